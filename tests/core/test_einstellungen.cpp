@@ -1,0 +1,249 @@
+#include "model/Datei.h"
+#include "settings/CDreiZeichen.h"
+#include "settings/CEinstellungen.h"
+#include "settings/Takte.h"
+#include "settings/UserDaten.h"
+#include "support/TestOrdner.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace lyrabo;
+using lyrabo::test::TestOrdner;
+
+TEST(Einstellungen, VorgabenUndAbgeleiteteWerte) {
+    CEinstellungen e;
+    EXPECT_EQ(e.TPQN_Faktor(), 10);
+    EXPECT_EQ(e.QuantTicks(), 120);
+    EXPECT_EQ(e.TaktLaenge(), 0); // until a numerator is set
+    EXPECT_TRUE(e.PausenLetzterTakt());
+    EXPECT_FALSE(e.PunktiertePausen());
+    EXPECT_EQ(e.TonMin(), 128);
+    EXPECT_EQ(e.WDBSpaltenAnzahl(), 37);
+    ASSERT_EQ(e.ClipExportFlags()->Count(), 8);
+    for (int i = 1; i <= 8; ++i) {
+        EXPECT_EQ(e.ClipExportFlags()->Item(i)->ID(), i);
+        EXPECT_EQ(e.ClipExportFlags()->Item(i)->Value(), i == 5 ? 0 : 1);
+    }
+    const int16_t laengen[8] = {192, 144, 96, 72, 48, 36, 24, 12};
+    const char* namen[8] = {"1/1", "1/2p", "1/2", "1/4p", "1/4", "1/8p", "1/8", "1/16"};
+    for (int i = 1; i <= 8; ++i) {
+        EXPECT_EQ(e.ABSErlaubteLaengen()->Item(i)->Value(), laengen[i - 1]);
+        EXPECT_EQ(e.NotenLaengenStr()->Item(i)->Text(), namen[i - 1]);
+        EXPECT_EQ(e.NotenLaengenStr()->Item(i)->ID(), i);
+    }
+    EXPECT_EQ(e.SpurSelected()->Count(), 0); // created on first use, never null
+}
+
+TEST(Einstellungen, SetterRechnenAbgeleiteteWerteNach) {
+    CEinstellungen e;
+    e.TicksPerQuarterNote(96);
+    EXPECT_EQ(e.TPQN_Faktor(), 2);
+    EXPECT_EQ(e.QuantTicks(), 24);
+    e.TicksPerQuarterNote(120); // 2.5 rounds to the even 2
+    EXPECT_EQ(e.TPQN_Faktor(), 2);
+    e.TicksPerQuarterNote(480);
+    e.Numerator(3);
+    e.Denominator(3);
+    EXPECT_EQ(e.TaktLaenge(), 720);
+    e.Numerator(4);
+    e.Denominator(2);
+    EXPECT_EQ(e.TaktLaenge(), 1920);
+    e.QuantNotenwert(24);
+    EXPECT_EQ(e.QuantTicks(), 240);
+}
+
+TEST(Einstellungen, UeberlaufBehaeltBasiswertUndAlteAbgeleiteteWerte) {
+    CEinstellungen e;
+    e.Numerator(5);
+    e.Denominator(2);
+    EXPECT_EQ(e.TaktLaenge(), 2400);
+    EXPECT_THROW(e.TicksPerQuarterNote(1920), UeberlaufFehler); // 1920 x 5 x 4 = 38400
+    EXPECT_EQ(e.TicksPerQuarterNote(), 1920);
+    EXPECT_EQ(e.TPQN_Faktor(), 40);   // recomputed before the failure
+    EXPECT_EQ(e.QuantTicks(), 480);   // likewise
+    EXPECT_EQ(e.TaktLaenge(), 2400);  // the failing one keeps its old value
+
+    CEinstellungen f;
+    f.TicksPerQuarterNote(32000 - 32000 % 48); // factor 666
+    EXPECT_THROW(f.QuantNotenwert(192), UeberlaufFehler);
+    EXPECT_EQ(f.QuantNotenwert(), 192);
+}
+
+TEST(UserDaten, OhneDateiGeltenDieVorgabenUndDerProgrammordner) {
+    TestOrdner t;
+    CEinstellungen e;
+    std::string aktuell;
+    EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
+    EXPECT_EQ(e.InitDir(), t.pfad().string());
+    EXPECT_EQ(aktuell, "");
+    EXPECT_TRUE(e.PausenLetzterTakt());
+}
+
+TEST(UserDaten, GeschriebenUndWiedergelesenExaktDieseBytes) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    CEinstellungen e;
+    e.Legato(true);
+    UserDatenSchreiben(e, "C:\\Lieder\\", t.pfad());
+    std::string bytes = dateiLesen(t / "data" / "LYRABO_user.ini");
+    EXPECT_EQ(bytes,
+              "\"Default-Ordner = \",\"C:\\Lieder\\\"\r\n"
+              "\"HoechsterTonMelodie = \",#FALSE#\r\n"
+              "\"Legato = \",#TRUE#\r\n"
+              "\"PausenLetzterTakt = \",#TRUE#\r\n"
+              "\"PunktiertePausen = \",#FALSE#\r\n");
+    CEinstellungen g;
+    std::string aktuell;
+    EXPECT_TRUE(UserDatenLesen(g, aktuell, t.pfad()));
+    EXPECT_EQ(g.InitDir(), "C:\\Lieder\\");
+    EXPECT_EQ(aktuell, "C:\\Lieder\\");
+    EXPECT_TRUE(g.Legato());
+}
+
+TEST(UserDaten, SchluesselWerdenNieVerglichenUndUmlauteSindWindows1252) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
+        << "\"irgendwas\",\"D:\\Gr\xFC\xDF" "e\\\"\r\n\"a\",#FALSE#\r\n\"geaendert\",#TRUE#\r\n\"b\",#FALSE#\r\n\"c\",#TRUE#\r\n";
+    CEinstellungen e;
+    std::string aktuell = "E:\\schon\\";
+    EXPECT_TRUE(UserDatenLesen(e, aktuell, t.pfad()));
+    EXPECT_EQ(e.InitDir(), "D:\\Grüße\\");
+    EXPECT_EQ(aktuell, "E:\\schon\\"); // a current folder is kept
+    EXPECT_TRUE(e.Legato());
+    EXPECT_FALSE(e.PausenLetzterTakt());
+    EXPECT_TRUE(e.PunktiertePausen());
+    UserDatenSchreiben(e, "", t.pfad());
+    EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 31), "\"Default-Ordner = \",\"D:\\Gr\xFC\xDF" "e\\\"");
+}
+
+TEST(UserDaten, ZuKurzeDateiBehaeltDieGelesenenWerte) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
+        << "\"Default-Ordner = \",\"X\\\"\r\n\"HoechsterTonMelodie = \",#TRUE#\r\n\"Legato = \",#TRUE#\r\n";
+    CEinstellungen e;
+    std::string aktuell;
+    EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
+    EXPECT_TRUE(e.HoechsterTonMelodie());
+    EXPECT_TRUE(e.Legato());
+    EXPECT_TRUE(e.PausenLetzterTakt()); // never read: default
+    EXPECT_EQ(e.InitDir(), t.pfad().string());
+    EXPECT_EQ(aktuell, "X\\"); // taken from line 1 before the failure
+}
+
+TEST(UserDaten, UnlesbarerWahrheitswertBeendetDasLesen) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
+        << "\"Default-Ordner = \",\"\"\r\n\"H\",#TRUE#\r\n\"L\",vielleicht\r\n\"P\",#FALSE#\r\n\"Q\",#TRUE#\r\n";
+    CEinstellungen e;
+    std::string aktuell;
+    EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
+    EXPECT_TRUE(e.HoechsterTonMelodie());
+    EXPECT_FALSE(e.Legato());
+    EXPECT_TRUE(e.PausenLetzterTakt());
+}
+
+TEST(UserDaten, LeererOrdnerBleibtLeer) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
+        << "\"Default-Ordner = \",\"\"\r\n\"a\",#FALSE#\r\n\"b\",#FALSE#\r\n\"c\",#TRUE#\r\n\"d\",#FALSE#\r\n";
+    CEinstellungen e;
+    std::string aktuell;
+    EXPECT_TRUE(UserDatenLesen(e, aktuell, t.pfad()));
+    EXPECT_EQ(e.InitDir(), "");
+    EXPECT_EQ(aktuell, "");
+    UserDatenSchreiben(e, aktuell, t.pfad());
+    EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 24), "\"Default-Ordner = \",\"\"\r\n");
+}
+
+TEST(UserDaten, FehlschlagBeimSchreibenLaesstDieAlteDateiStehen) {
+    TestOrdner t;
+    CEinstellungen e;
+    try {
+        UserDatenSchreiben(e, "", t.pfad()); // no data folder: never created
+        FAIL();
+    } catch (const DateiFehler& f) {
+        EXPECT_NE(std::string(f.what()).find("User-Daten konnten nicht gespeichert werden."), std::string::npos);
+    }
+    std::filesystem::create_directory(t / "data");
+    UserDatenSchreiben(e, "A\\", t.pfad());
+    std::filesystem::permissions(t / "data", std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    if (std::ofstream(t / "data" / "probe")) GTEST_SKIP() << "running with rights that ignore folder permissions";
+    EXPECT_THROW(UserDatenSchreiben(e, "B\\", t.pfad()), DateiFehler);
+    EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 25), "\"Default-Ordner = \",\"A\\\"\r");
+}
+
+TEST(ZeichenTabellen, NotenUndPausenZeichen) {
+    ZeichenTabelle noten, pausen;
+    fillFontNotenColl(noten);
+    fillFontPausenColl(pausen);
+    ASSERT_EQ(noten.Count(), 8);
+    EXPECT_EQ(noten.Item("192")->Zeichen1(), 'c');
+    EXPECT_EQ(noten.Item("144")->Zeichen1(), 'v');
+    EXPECT_EQ(noten.Item("144")->Zeichen2(), 44);
+    EXPECT_EQ(noten.Item("96")->Zeichen2(), 0);
+    EXPECT_EQ(noten.Item("12")->Zeichen1(), 'm');
+    EXPECT_EQ(pausen.Item("72")->Zeichen1(), 'h');
+    EXPECT_EQ(pausen.Item("72")->Zeichen2(), 44);
+    EXPECT_EQ(pausen.Item(8)->Zeichen1(), 'k'); // position and key name the same value
+    EXPECT_EQ(pausen.Item(8)->Zeichen3(), 0);
+    EXPECT_THROW(noten.Item("60"), IndexFehler);
+    ZeichenTabelle neu; // a second build starts from a new table: keys never collide
+    EXPECT_NO_THROW(fillFontNotenColl(neu));
+}
+
+namespace {
+void dreiTakte(CEinstellungen& e) {
+    e.initTaktLaengen();
+    for (int i = 1; i <= 3; ++i) {
+        auto l = std::make_shared<CInteger>();
+        l->ID(static_cast<int16_t>(i));
+        l->Value(1920);
+        e.MFITaktLaengen()->Add(l);
+    }
+}
+} // namespace
+
+TEST(Takte, TaktNummerAnDenTaktgrenzen) {
+    CEinstellungen e;
+    dreiTakte(e);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, 0), 1);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, 1919), 1);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, 1920), 2);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, 5759), 3);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, 5760), 0);
+    EXPECT_EQ(getTaktNrFromABSStartZeit(e, -1), 0);
+    EXPECT_EQ(TaktStartVon(e, 1), 0);
+    EXPECT_EQ(TaktStartVon(e, 0), 0);
+    EXPECT_EQ(TaktStartVon(e, 3), 3840);
+    EXPECT_EQ(TaktStartVon(e, 4), 5760);
+    EXPECT_THROW(TaktStartVon(e, 5), IndexFehler);
+    CEinstellungen leer;
+    EXPECT_EQ(getTaktNrFromABSStartZeit(leer, 0), 0);
+}
+
+TEST(Takte, NeueTaktTabellenLeerenAlleDrei) {
+    CEinstellungen e;
+    dreiTakte(e);
+    e.Numeratoren()->Add(std::make_shared<CInteger>());
+    e.Denominatoren()->Add(std::make_shared<CInteger>());
+    e.initTaktLaengen();
+    EXPECT_EQ(e.MFITaktLaengen()->Count(), 0);
+    EXPECT_EQ(e.Numeratoren()->Count(), 0);
+    EXPECT_EQ(e.Denominatoren()->Count(), 0);
+}
+
+TEST(Zwischenablage, StartbefehlNurExaktGeschrieben) {
+    EXPECT_EQ(KommandoAusZwischenablage("Create Harfe-Spur C:\\Lieder\\a.mid"), "C:\\Lieder\\a.mid");
+    EXPECT_EQ(KommandoAusZwischenablage("Create Harfe-Spur|  /home/x/b.mid"), "/home/x/b.mid");
+    EXPECT_EQ(KommandoAusZwischenablage("create harfe-spur C:\\Lieder\\a.mid"), "");
+    EXPECT_EQ(KommandoAusZwischenablage("Create Harfe-Spur C:\\Lieder\\a.MID"), "");
+    EXPECT_EQ(KommandoAusZwischenablage("Create Harfe-Spur C:\\a.mid "), "");
+    EXPECT_EQ(KommandoAusZwischenablage(""), "");
+    EXPECT_EQ(KommandoAusZwischenablage("irgendein Text.mid"), "");
+}
