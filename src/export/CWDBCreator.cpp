@@ -7,7 +7,5 @@ CWDBCreator::CWDBCreator(CProgramm& programm) : m_programm(programm) {}
 void CWDBCreator::saveDialog_WDB() {}
 void CWDBCreator::write_WDB(const std::string&) {}
 void CWDBCreator::write_ExportColl() {}
-void CWDBCreator::writeINIDateien25() {}
-void CWDBCreator::writeINIDateien37() {}
 
 } // namespace lyrabo
