@@ -6,29 +6,33 @@
 
 #include <cstdio>
 #include <fstream>
-#include <sstream>
+#include <system_error>
 
 namespace lyrabo {
 
 namespace {
 
+// Reads the bytes of one file with bounds checks. Offsets in messages are offsets in the file,
+// also when the MIDI data sits inside a RIFF wrapper (`basis` is where it starts).
 class Leser {
 public:
-    Leser(const std::string& b, const std::string& name) : m_b(b), m_name(name) {}
+    Leser(const std::string& b, size_t basis, const std::string& name) : m_b(b), m_basis(basis), m_name(name) {}
 
     [[noreturn]] void fehler(const std::string& was) const {
         throw MidiDateiFehler("Die Datei \"" + m_name + "\" ist keine gültige MIDI-Datei: " + was);
     }
+    // "Spur 2, Byte 120: " for a place in the file.
     std::string ort(size_t pos) const {
         std::string s = m_spur > 0 ? "Spur " + std::to_string(m_spur) + ", " : std::string();
-        return s + "Byte " + std::to_string(pos);
+        return s + "Byte " + std::to_string(m_basis + pos) + ": ";
     }
+    void setzeSpur(size_t s) { m_spur = s; }
 
-    void setzeSpur(int s) { m_spur = s; }
+    size_t groesse() const { return m_b.size(); }
+    const std::string& bytes() const { return m_b; }
 
-    bool ende(size_t pos, size_t grenze) const { return pos >= grenze; }
     uint8_t byte(size_t pos, size_t grenze, const char* was) const {
-        if (pos >= grenze) fehler(ort(pos) + ": " + was + " fehlt, der Block ist zu Ende.");
+        if (pos >= grenze) fehler(ort(pos) + was + " fehlt, die Spur ist zu Ende.");
         return static_cast<uint8_t>(m_b[pos]);
     }
     uint32_t u32(size_t pos) const {
@@ -37,7 +41,7 @@ public:
     }
     uint16_t u16(size_t pos) const { return uint16_t((uint8_t(m_b[pos]) << 8) | uint8_t(m_b[pos + 1])); }
 
-    // A variable-length quantity of at most four bytes.
+    // A variable-length quantity: at most four bytes, seven bits each.
     uint32_t vlq(size_t& pos, size_t grenze, const char* was) const {
         size_t start = pos;
         uint32_t v = 0;
@@ -46,18 +50,51 @@ public:
             v = (v << 7) | (c & 0x7F);
             if (!(c & 0x80)) return v;
         }
-        fehler(ort(start) + ": " + was + " ist länger als vier Bytes.");
+        fehler(ort(start) + was + " ist länger als vier Bytes.");
     }
-
-    const std::string& bytes() const { return m_b; }
 
 private:
     const std::string& m_b;
+    size_t m_basis;
     const std::string& m_name;
-    int m_spur = 0;
+    size_t m_spur = 0;
 };
 
-MidiSpurDaten spurParsen(Leser& l, size_t pos, size_t grenze) {
+// Data bytes after the status byte of a message that carries no length of its own.
+int datenbytesNachStatus(uint8_t status) {
+    if (status < 0xF0) {
+        uint8_t art = status & 0xF0;
+        return (art == 0xC0 || art == 0xD0) ? 1 : 2;
+    }
+    switch (status) {
+    case 0xF2: return 2;             // song position
+    case 0xF1: case 0xF3: return 1;  // time code quarter frame, song select
+    default: return 0;               // tune request and real-time bytes
+    }
+}
+
+// Tempo and time signature feed divisions later on, so values that would divide by zero or
+// leave the 16-bit range are refused here, where the file is still named and placed.
+void metaPruefen(const Leser& l, const MidiEreignis& e, size_t evStart) {
+    if (e.metaTyp == 0x51) {
+        if (e.daten.size() < 3) l.fehler(l.ort(evStart) + "Das Tempo-Ereignis hat weniger als drei Datenbytes.");
+        if (e.daten[0] == 0 && e.daten[1] == 0 && e.daten[2] == 0)
+            l.fehler(l.ort(evStart) + "Das Tempo-Ereignis gibt 0 Mikrosekunden pro Viertelnote an.");
+    } else if (e.metaTyp == 0x58) {
+        if (e.daten.size() < 2) l.fehler(l.ort(evStart) + "Das Taktart-Ereignis hat weniger als zwei Datenbytes.");
+        if (e.daten[0] == 0) l.fehler(l.ort(evStart) + "Die Taktart hat den Zähler 0.");
+        if (e.daten[1] > 14)
+            l.fehler(l.ort(evStart) + "Der Nenner der Taktart ist 2 hoch " + std::to_string(e.daten[1]) +
+                     ", höchstens 2 hoch 14 ist möglich.");
+    }
+}
+
+MidiSpurDaten spurParsen(const Leser& l, size_t pos, size_t grenze) {
+    const std::string& b = l.bytes();
+    auto kopie = [&](size_t von, size_t n) {
+        return std::vector<uint8_t>(b.begin() + static_cast<std::ptrdiff_t>(von),
+                                    b.begin() + static_cast<std::ptrdiff_t>(von + n));
+    };
     MidiSpurDaten spur;
     uint8_t laufend = 0;
     while (pos < grenze) {
@@ -69,43 +106,37 @@ MidiSpurDaten spurParsen(Leser& l, size_t pos, size_t grenze) {
             ++pos;
             e.status = c;
         } else {
-            if (!laufend) l.fehler(l.ort(evStart) + ": Laufender Status ohne vorheriges Statusbyte.");
+            if (!laufend) l.fehler(l.ort(evStart) + "Laufender Status ohne vorheriges Statusbyte.");
             e.status = laufend;
         }
         if (e.status == 0xFF) {
             e.metaTyp = l.byte(pos++, grenze, "Der Typ des Meta-Ereignisses");
-            if (e.metaTyp & 0x80) l.fehler(l.ort(pos - 1) + ": Ungültiger Typ eines Meta-Ereignisses.");
+            if (e.metaTyp & 0x80) l.fehler(l.ort(pos - 1) + "Ungültiger Typ eines Meta-Ereignisses.");
             uint32_t n = l.vlq(pos, grenze, "Die Länge des Meta-Ereignisses");
-            if (n > grenze - pos) l.fehler(l.ort(evStart) + ": Das Meta-Ereignis reicht über das Ende der Spur hinaus.");
-            e.daten.assign(l.bytes().begin() + static_cast<long>(pos), l.bytes().begin() + static_cast<long>(pos + n));
+            if (n > grenze - pos) l.fehler(l.ort(evStart) + "Das Meta-Ereignis reicht über das Ende der Spur hinaus.");
+            e.daten = kopie(pos, n);
             pos += n;
+            metaPruefen(l, e, evStart);
+            bool spurEnde = e.metaTyp == 0x2F;
             spur.ereignisse.push_back(std::move(e));
-            if (spur.ereignisse.back().metaTyp == 0x2F) break; // end of track: the rest of the chunk is ignored
+            if (spurEnde) break; // whatever follows the end of track in its chunk is not part of it
             continue;
         }
         if (e.status == 0xF0 || e.status == 0xF7) {
             uint32_t n = l.vlq(pos, grenze, "Die Länge der System-Exclusive-Nachricht");
-            if (n > grenze - pos) l.fehler(l.ort(evStart) + ": Die System-Exclusive-Nachricht reicht über das Ende der Spur hinaus.");
-            e.daten.assign(l.bytes().begin() + static_cast<long>(pos), l.bytes().begin() + static_cast<long>(pos + n));
+            if (n > grenze - pos)
+                l.fehler(l.ort(evStart) + "Die System-Exclusive-Nachricht reicht über das Ende der Spur hinaus.");
+            e.daten = kopie(pos, n);
             pos += n;
             spur.ereignisse.push_back(std::move(e));
             continue;
         }
-        int anzahl;
-        if (e.status < 0xF0) {
-            uint8_t art = e.status & 0xF0;
-            anzahl = (art == 0xC0 || art == 0xD0) ? 1 : 2;
-            laufend = e.status;
-        } else {
-            switch (e.status) {
-            case 0xF2: anzahl = 2; break;
-            case 0xF1: case 0xF3: anzahl = 1; break;
-            default: anzahl = 0; break;
-            }
-        }
+        if (e.status < 0xF0) laufend = e.status;
+        int anzahl = datenbytesNachStatus(e.status);
+        e.daten.reserve(static_cast<size_t>(anzahl));
         for (int i = 0; i < anzahl; ++i) {
             uint8_t d = l.byte(pos, grenze, "Ein Datenbyte");
-            if (d & 0x80) l.fehler(l.ort(pos) + ": Ein Datenbyte fehlt (Statusbyte an seiner Stelle).");
+            if (d & 0x80) l.fehler(l.ort(pos) + "Ein Datenbyte fehlt, an seiner Stelle steht ein Statusbyte.");
             e.daten.push_back(d);
             ++pos;
         }
@@ -114,33 +145,9 @@ MidiSpurDaten spurParsen(Leser& l, size_t pos, size_t grenze) {
     return spur;
 }
 
-} // namespace
-
-MidiDateiInhalt midiDateiParsen(const std::string& roh, const std::string& name) {
-    const std::string* b = &roh;
-    std::string innen;
-    Leser vorab(roh, name);
-    // A RIFF-wrapped file (RMID) carries the standard MIDI file in its "data" chunk.
-    if (roh.size() >= 12 && roh.compare(0, 4, "RIFF") == 0 && roh.compare(8, 4, "RMID") == 0) {
-        size_t pos = 12;
-        bool gefunden = false;
-        while (pos + 8 <= roh.size()) {
-            uint32_t n = uint32_t(uint8_t(roh[pos + 4])) | (uint32_t(uint8_t(roh[pos + 5])) << 8) |
-                         (uint32_t(uint8_t(roh[pos + 6])) << 16) | (uint32_t(uint8_t(roh[pos + 7])) << 24);
-            if (roh.compare(pos, 4, "data") == 0) {
-                if (n > roh.size() - pos - 8) vorab.fehler("Der RIFF-Datenblock reicht über das Dateiende hinaus.");
-                innen = roh.substr(pos + 8, n);
-                gefunden = true;
-                break;
-            }
-            if (n > roh.size() - pos - 8) break;
-            pos += 8 + n + (n & 1);
-        }
-        if (!gefunden) vorab.fehler("Die RIFF-Datei enthält keinen MIDI-Datenblock.");
-        b = &innen;
-    }
-    Leser l(*b, name);
-    const std::string& s = *b;
+// The standard MIDI file inside a RIFF wrapper (RMID): the payload of its "data" chunk.
+MidiDateiInhalt smfParsen(const std::string& s, size_t basis, const std::string& name) {
+    Leser l(s, basis, name);
     if (s.size() < 4 || s.compare(0, 4, "MThd") != 0) l.fehler("Sie beginnt nicht mit einem MIDI-Kopf (MThd).");
     if (s.size() < 14) l.fehler("Der MIDI-Kopf ist unvollständig.");
     uint32_t kopfLaenge = l.u32(4);
@@ -151,32 +158,69 @@ MidiDateiInhalt midiDateiParsen(const std::string& roh, const std::string& name)
     uint16_t anzahl = l.u16(10);
     inhalt.division = l.u16(12);
     if (inhalt.format > 2) l.fehler("Unbekanntes Format " + std::to_string(inhalt.format) + ".");
-    if (inhalt.division & 0x8000) l.fehler("SMPTE-Zeitbasis wird nicht unterstützt, nur Ticks pro Viertelnote.");
+    if (inhalt.division & 0x8000)
+        l.fehler("Die Zeitbasis ist in SMPTE-Bildern angegeben; nur Ticks pro Viertelnote werden unterstützt.");
     if (inhalt.division == 0) l.fehler("Die Zeitbasis ist 0 Ticks pro Viertelnote.");
-    if (anzahl > 32767) l.fehler("Sie gibt " + std::to_string(anzahl) + " Spuren an, mehr als 32767 sind nicht möglich.");
+    if (anzahl == 0) l.fehler("Sie enthält keine Spur.");
+    if (anzahl > 32767)
+        l.fehler("Sie gibt " + std::to_string(anzahl) + " Spuren an; mehr als 32767 Spuren sind nicht möglich.");
 
     size_t pos = 8 + kopfLaenge;
-    inhalt.spuren.reserve(anzahl);
     while (inhalt.spuren.size() < anzahl) {
-        if (pos >= s.size()) {
-            l.fehler("Sie enthält nur " + std::to_string(inhalt.spuren.size()) + " von " + std::to_string(anzahl) +
+        if (pos >= s.size())
+            l.fehler("Sie enthält nur " + std::to_string(inhalt.spuren.size()) + " der " + std::to_string(anzahl) +
                      " angegebenen Spuren.");
-        }
-        if (s.size() - pos < 8) l.fehler("Byte " + std::to_string(pos) + ": Der Blockkopf ist abgeschnitten.");
+        if (s.size() - pos < 8) l.fehler(l.ort(pos) + "Der Kopf eines Blocks ist abgeschnitten.");
         uint32_t n = l.u32(pos + 4);
         bool istSpur = s.compare(pos, 4, "MTrk") == 0;
-        if (n > s.size() - pos - 8) {
-            if (istSpur) l.setzeSpur(static_cast<int>(inhalt.spuren.size()) + 1);
-            l.fehler(l.ort(pos) + ": Die Blocklänge " + std::to_string(n) + " reicht über das Dateiende hinaus.");
-        }
+        if (istSpur) l.setzeSpur(inhalt.spuren.size() + 1);
+        if (n > s.size() - pos - 8)
+            l.fehler(l.ort(pos) + "Die Blocklänge " + std::to_string(n) + " reicht über das Dateiende hinaus.");
         if (istSpur) {
-            l.setzeSpur(static_cast<int>(inhalt.spuren.size()) + 1);
             inhalt.spuren.push_back(spurParsen(l, pos + 8, pos + 8 + n));
             l.setzeSpur(0);
         }
-        pos += 8 + n; // unknown chunks are skipped
+        pos += 8 + size_t{n}; // chunks of unknown kinds are skipped
     }
     return inhalt;
+}
+
+uint32_t u32le(const std::string& s, size_t pos) {
+    return uint32_t(uint8_t(s[pos])) | (uint32_t(uint8_t(s[pos + 1])) << 8) | (uint32_t(uint8_t(s[pos + 2])) << 16) |
+           (uint32_t(uint8_t(s[pos + 3])) << 24);
+}
+
+std::string hexPaare(const std::vector<uint8_t>& b) {
+    static const char kZiffern[] = "0123456789ABCDEF";
+    std::string s;
+    s.reserve(b.size() * 3);
+    for (size_t i = 0; i < b.size(); ++i) {
+        if (i) s += ' ';
+        s += kZiffern[b[i] >> 4];
+        s += kZiffern[b[i] & 0x0F];
+    }
+    return s;
+}
+
+} // namespace
+
+MidiDateiInhalt midiDateiParsen(const std::string& roh, const std::string& name) {
+    if (roh.size() >= 12 && roh.compare(0, 4, "RIFF") == 0 && roh.compare(8, 4, "RMID") == 0) {
+        Leser riff(roh, 0, name);
+        size_t pos = 12;
+        while (roh.size() - pos >= 8) {
+            uint32_t n = u32le(roh, pos + 4);
+            if (roh.compare(pos, 4, "data") == 0) {
+                if (n > roh.size() - pos - 8)
+                    riff.fehler(riff.ort(pos) + "Der RIFF-Datenblock reicht über das Dateiende hinaus.");
+                return smfParsen(roh.substr(pos + 8, n), pos + 8, name);
+            }
+            if (n > roh.size() - pos - 8) break;
+            pos += 8 + size_t{n} + (n & 1); // RIFF chunks are padded to even lengths
+        }
+        riff.fehler("Die RIFF-Datei enthält keinen MIDI-Datenblock.");
+    }
+    return smfParsen(roh, 0, name);
 }
 
 void Midifile::Action(int16_t befehl) {
@@ -188,15 +232,29 @@ void Midifile::Action(int16_t befehl) {
         m_ereignis = 0;
         break;
     case 1: {
-        m_inhalt.reset();
-        m_spur = 0;
-        m_ereignis = 0;
-        std::ifstream in(std::filesystem::u8path(m_dateiname), std::ios::binary);
-        if (!in) throw MidiDateiFehler("Die Datei \"" + m_dateiname + "\" konnte nicht geöffnet werden.");
-        std::stringstream ss;
-        ss << in.rdbuf();
-        if (in.bad()) throw MidiDateiFehler("Die Datei \"" + m_dateiname + "\" konnte nicht gelesen werden.");
-        ladenAusBytes(ss.str(), m_dateiname);
+        namespace fs = std::filesystem;
+        const fs::path pfad = fs::u8path(m_dateiname);
+        const std::string name = m_dateiname;
+        std::error_code ec;
+        if (name.empty()) throw MidiDateiFehler("Es wurde keine MIDI-Datei angegeben.");
+        if (!fs::exists(pfad, ec)) throw MidiDateiFehler("Die Datei \"" + name + "\" wurde nicht gefunden.");
+        if (fs::is_directory(pfad, ec)) throw MidiDateiFehler("\"" + name + "\" ist ein Ordner, keine MIDI-Datei.");
+        auto groesse = fs::file_size(pfad, ec);
+        if (!ec && groesse > kMidiDateiHoechstGroesse)
+            throw MidiDateiFehler("Die Datei \"" + name + "\" ist mit " + std::to_string(groesse) +
+                                  " Bytes zu groß für eine MIDI-Datei.");
+        std::ifstream in(pfad, std::ios::binary);
+        if (!in) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht geöffnet werden.");
+        std::string bytes;
+        if (!ec) bytes.reserve(static_cast<size_t>(groesse));
+        char puffer[65536];
+        while (in.read(puffer, sizeof puffer) || in.gcount() > 0) {
+            bytes.append(puffer, static_cast<size_t>(in.gcount()));
+            if (bytes.size() > kMidiDateiHoechstGroesse)
+                throw MidiDateiFehler("Die Datei \"" + name + "\" ist zu groß für eine MIDI-Datei.");
+        }
+        if (in.bad()) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht gelesen werden.");
+        ladenAusBytes(bytes, name);
         break;
     }
     default:
@@ -205,10 +263,11 @@ void Midifile::Action(int16_t befehl) {
 }
 
 void Midifile::ladenAusBytes(const std::string& bytes, const std::string& name) {
-    m_inhalt.reset();
+    // Parse first, replace afterwards: a failure leaves what was loaded untouched.
+    auto neu = std::make_shared<const MidiDateiInhalt>(midiDateiParsen(bytes, name));
+    m_inhalt = std::move(neu);
     m_spur = 0;
     m_ereignis = 0;
-    m_inhalt = std::make_shared<const MidiDateiInhalt>(midiDateiParsen(bytes, name));
 }
 
 int16_t Midifile::TrackCount() const { return m_inhalt ? static_cast<int16_t>(m_inhalt->spuren.size()) : 0; }
@@ -231,6 +290,7 @@ int32_t Midifile::EventCount() const {
 }
 
 void Midifile::Event(int32_t nr) {
+    // The cursor is 16-bit: event 32768 and beyond cannot be selected, however many the track holds.
     int16_t n = cint16(int64_t{nr});
     if (n < 1 || n > EventCount())
         throw IndexFehler("Das Ereignis " + std::to_string(nr) + " gibt es in Spur " + std::to_string(m_spur) + " nicht.");
@@ -258,10 +318,10 @@ int16_t Midifile::Data2() const {
     auto e = aktuell();
     if (!e) return 0;
     if (e->status == 0xFF) {
+        // The sequence number is 16 bits unsigned in the file; numbers above 32767 read negative.
         if (e->metaTyp == 0 && e->daten.size() >= 2) return static_cast<int16_t>((e->daten[0] << 8) | e->daten[1]);
         return e->daten.empty() ? 0 : e->daten[0];
     }
-    if (e->status == 0xF0 || e->status == 0xF7) return e->daten.size() >= 2 ? e->daten[1] : 0;
     return e->daten.size() >= 2 ? e->daten[1] : 0;
 }
 
@@ -276,14 +336,7 @@ std::string Midifile::BufferText() const {
     std::vector<uint8_t> b{e->status};
     if (e->status == 0xFF) b.push_back(e->metaTyp);
     b.insert(b.end(), e->daten.begin(), e->daten.end());
-    std::string s;
-    char puffer[4];
-    for (size_t i = 0; i < b.size(); ++i) {
-        std::snprintf(puffer, sizeof puffer, "%02X", b[i]);
-        if (i) s += ' ';
-        s += puffer;
-    }
-    return s;
+    return hexPaare(b);
 }
 
 std::string Midifile::TextBytes() const {

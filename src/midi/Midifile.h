@@ -28,9 +28,14 @@ struct MidiDateiInhalt {
     std::vector<MidiSpurDaten> spuren;
 };
 
-// Parses a whole file's bytes. Throws MidiDateiFehler with a German message naming `name` and,
-// where it helps, the track and byte offset.
+// Parses a whole file's bytes (a standard MIDI file, or one wrapped in RIFF as RMID). Throws
+// MidiDateiFehler with a German message naming `name` and, where it helps, the track and the byte
+// offset in the file. Tempo and time-signature events are checked here, so that everything the
+// program computes from them later has sound values.
 MidiDateiInhalt midiDateiParsen(const std::string& bytes, const std::string& name);
+
+// Files larger than this are refused before they are read: no MIDI file comes near it.
+inline constexpr std::uintmax_t kMidiDateiHoechstGroesse = 64u * 1024u * 1024u;
 
 class Midifile {
 public:
@@ -38,11 +43,11 @@ public:
     void filename(const std::string& pfad) { m_dateiname = pfad; }
     const std::string& filename() const { return m_dateiname; }
 
-    // 5 and 2 discard what was loaded; 1 loads `filename`. A failed load leaves the reader empty
-    // and throws MidiDateiFehler.
+    // 5 and 2 discard what was loaded; 1 loads `filename`. A failed load throws MidiDateiFehler
+    // and leaves the reader as it was (empty after 5 and 2), never half loaded.
     void Action(int16_t befehl);
 
-    // Loads from bytes in memory, as Action 1 does from a file.
+    // Loads from bytes in memory, as Action 1 does from a file, with the same guarantee.
     void ladenAusBytes(const std::string& bytes, const std::string& name);
 
     bool geladen() const { return m_inhalt != nullptr; }
