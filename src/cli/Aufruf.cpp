@@ -1,0 +1,256 @@
+#include "cli/Aufruf.h"
+
+#include "settings/CEinstellungen.h"
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+
+namespace lyrabo::cli {
+
+namespace {
+
+// The transposition slider's range in the window: three octaves either way.
+constexpr int kTranspoGrenze = 36;
+
+int16_t ganzeZahl(const std::string& text, const std::string& option, int min, int max) {
+    int wert = 0;
+    const char* anfang = text.data();
+    const char* ende = text.data() + text.size();
+    if (!text.empty() && *anfang == '+') ++anfang;
+    auto [p, ec] = std::from_chars(anfang, ende, wert);
+    if (text.empty() || ec != std::errc() || p != ende)
+        throw AufrufFehler("Ungültige Zahl für " + option + ": \"" + text + "\"");
+    if (wert < min || wert > max)
+        throw AufrufFehler("Der Wert für " + option + " muss zwischen " + std::to_string(min) + " und " +
+                           std::to_string(max) + " liegen, nicht " + text + ".");
+    return static_cast<int16_t>(wert);
+}
+
+bool jaNein(const std::string& text, const std::string& option) {
+    if (text == "ja" || text == "an" || text == "1") return true;
+    if (text == "nein" || text == "aus" || text == "0") return false;
+    throw AufrufFehler("Für " + option + " ist nur ja oder nein erlaubt, nicht \"" + text + "\".");
+}
+
+std::vector<std::string> teile(const std::string& liste) {
+    std::vector<std::string> teile;
+    size_t start = 0;
+    while (true) {
+        size_t komma = liste.find(',', start);
+        teile.push_back(liste.substr(start, komma == std::string::npos ? std::string::npos : komma - start));
+        if (komma == std::string::npos) break;
+        start = komma + 1;
+    }
+    return teile;
+}
+
+// Which command accepts which option.
+bool erlaubt(Befehl b, const std::string& option) {
+    static const std::set<std::string> kEinstellungen = {
+        "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
+        "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
+    switch (b) {
+    case Befehl::Info:
+        return option == "--spur";
+    case Befehl::Events:
+        return option == "--spur" || option == "--hex";
+    case Befehl::Convert:
+        return kEinstellungen.count(option) || option == "--spur" || option == "--harfentext" ||
+               option == "--klangnoten" || option == "--wdb" || option == "--ausgabe" || option == "--formate";
+    case Befehl::Mix:
+        return kEinstellungen.count(option) || option == "--spur" || option == "--spuren" ||
+               option == "--harfentext" || option == "--ausgabe";
+    case Befehl::Hilfe:
+        return false;
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<std::string> quantisierungsNamen() {
+    CEinstellungen frisch;
+    std::vector<std::string> namen;
+    for (const auto& s : *frisch.NotenLaengenStr()) namen.push_back(s->Text());
+    return namen;
+}
+
+CAufruf aufrufLesen(const std::vector<std::string>& args) {
+    CAufruf a;
+    if (args.empty()) throw AufrufFehler("Kein Befehl angegeben.");
+    const std::string& befehl = args[0];
+    if (befehl == "--help" || befehl == "-h" || befehl == "hilfe") return a;
+    if (befehl == "info") a.befehl = Befehl::Info;
+    else if (befehl == "events") a.befehl = Befehl::Events;
+    else if (befehl == "convert") a.befehl = Befehl::Convert;
+    else if (befehl == "mix") a.befehl = Befehl::Mix;
+    else throw AufrufFehler("Unbekannter Befehl \"" + befehl + "\".");
+
+    bool nurDateien = false;
+    std::set<std::string> gesehen;
+    for (size_t i = 1; i < args.size(); ++i) {
+        std::string arg = args[i];
+        if (nurDateien || arg.size() < 2 || arg[0] != '-') {
+            a.dateien.push_back(arg);
+            continue;
+        }
+        if (arg == "--") {
+            nurDateien = true;
+            continue;
+        }
+        if (arg == "--help" || arg == "-h") {
+            a.befehl = Befehl::Hilfe;
+            return a;
+        }
+        std::optional<std::string> wert;
+        if (size_t gleich = arg.find('='); gleich != std::string::npos) {
+            wert = arg.substr(gleich + 1);
+            arg = arg.substr(0, gleich);
+        }
+        if (!erlaubt(a.befehl, arg)) {
+            bool bekannt = erlaubt(Befehl::Convert, arg) || erlaubt(Befehl::Mix, arg) || erlaubt(Befehl::Events, arg);
+            if (bekannt) throw AufrufFehler("Die Option " + arg + " gilt nicht für den Befehl " + befehl + ".");
+            throw AufrufFehler("Unbekannte Option \"" + arg + "\".");
+        }
+        if (!gesehen.insert(arg).second) throw AufrufFehler("Die Option " + arg + " ist doppelt angegeben.");
+
+        // Switches: without a value they mean "on".
+        auto schalter = [&]() { return wert ? jaNein(*wert, arg) : true; };
+        if (arg == "--hex") { a.hex = schalter(); continue; }
+        if (arg == "--legato") { a.optionen.Legato = schalter(); continue; }
+        if (arg == "--hoechster-ton-melodie") { a.optionen.HoechsterTonMelodie = schalter(); continue; }
+        if (arg == "--punktierte-pausen") { a.optionen.PunktiertePausen = schalter(); continue; }
+        if (arg == "--ohne-pausen-letzter-takt") { a.optionen.PausenLetzterTakt = !schalter(); continue; }
+
+        if (!wert) {
+            if (i + 1 >= args.size()) throw AufrufFehler("Der Option " + arg + " fehlt ihr Wert.");
+            wert = args[++i];
+        }
+        const std::string& w = *wert;
+        if (arg == "--spur") {
+            a.spur = ganzeZahl(w, arg, 1, 32767);
+        } else if (arg == "--spuren") {
+            for (const auto& t : teile(w)) {
+                int16_t s = ganzeZahl(t, arg, 1, 32767);
+                if (std::find(a.spuren.begin(), a.spuren.end(), s) == a.spuren.end()) a.spuren.push_back(s);
+            }
+        } else if (arg == "--harfentext") {
+            a.harfentext = w;
+        } else if (arg == "--klangnoten") {
+            a.klangnoten = w;
+        } else if (arg == "--wdb") {
+            a.wdb = w;
+        } else if (arg == "--ausgabe") {
+            if (w.empty()) throw AufrufFehler("Der Option --ausgabe fehlt der Ordner.");
+            a.ausgabeOrdner = w;
+        } else if (arg == "--formate") {
+            a.mitHarfentext = a.mitKlangnoten = a.mitWdb = false;
+            for (const auto& t : teile(w)) {
+                if (t == "harfentext") a.mitHarfentext = true;
+                else if (t == "klangnoten") a.mitKlangnoten = true;
+                else if (t == "wdb") a.mitWdb = true;
+                else throw AufrufFehler("Unbekanntes Format \"" + t + "\" (erlaubt: harfentext, klangnoten, wdb).");
+            }
+        } else if (arg == "--transpo") {
+            a.optionen.Transpo = ganzeZahl(w, arg, -kTranspoGrenze, kTranspoGrenze);
+        } else if (arg == "--quantisierung") {
+            auto namen = quantisierungsNamen();
+            auto it = std::find(namen.begin(), namen.end(), w);
+            if (it == namen.end()) {
+                std::string liste;
+                for (const auto& n : namen) liste += (liste.empty() ? "" : ", ") + n;
+                throw AufrufFehler("Unbekannte Quantisierung \"" + w + "\" (erlaubt: " + liste + ").");
+            }
+            a.optionen.QuantPosition = static_cast<int16_t>(it - namen.begin() + 1);
+        } else if (arg == "--kanal") {
+            a.optionen.KanalBelegung = ganzeZahl(w, arg, 0, 2);
+        } else if (arg == "--felder") {
+            if (w.size() != 8 || w.find_first_not_of("01") != std::string::npos)
+                throw AufrufFehler("--felder erwartet acht Ziffern 0 oder 1, zum Beispiel 11110111.");
+            a.optionen.Felder = w;
+        } else if (arg == "--saiten") {
+            if (w != "25" && w != "37") throw AufrufFehler("--saiten erlaubt nur 25 oder 37.");
+            a.optionen.Saiten = static_cast<int16_t>(w == "25" ? 25 : 37);
+        }
+    }
+
+    if (a.dateien.empty()) throw AufrufFehler("Keine MIDI-Datei angegeben.");
+    if (a.befehl == Befehl::Events && a.dateien.size() > 1)
+        throw AufrufFehler("events zeigt die Ereignisse einer einzigen Datei.");
+    if (a.befehl == Befehl::Mix && a.spuren.empty()) throw AufrufFehler("mix braucht --spuren, zum Beispiel --spuren 2,3.");
+    if (gesehen.count("--formate") && !a.ausgabeOrdner)
+        throw AufrufFehler("--formate gilt nur zusammen mit --ausgabe.");
+    if (a.ausgabeOrdner) {
+        if (a.harfentext || a.klangnoten || a.wdb)
+            throw AufrufFehler("Mit --ausgabe werden die Dateinamen aus den MIDI-Dateien gebildet; "
+                               "--harfentext, --klangnoten und --wdb passen nicht dazu.");
+        if (a.befehl == Befehl::Convert && !a.mitHarfentext && !a.mitKlangnoten && !a.mitWdb)
+            throw AufrufFehler("--formate nennt keine Ausgabe.");
+    } else if (a.dateien.size() > 1 && (a.befehl == Befehl::Convert || a.befehl == Befehl::Mix)) {
+        throw AufrufFehler("Mehrere MIDI-Dateien brauchen --ausgabe ORDNER.");
+    }
+    if (a.harfentext && a.klangnoten && *a.harfentext == "-" && *a.klangnoten == "-")
+        throw AufrufFehler("Nur ein Text kann auf die Standardausgabe gehen.");
+    return a;
+}
+
+std::string hilfeText() {
+    std::string quant;
+    for (const auto& n : quantisierungsNamen()) quant += (quant.empty() ? "" : ", ") + n;
+    return
+        "lyrabo-cli: MIDI-Dateien in Noten für die Tischharfe umsetzen, ohne Fenster.\n"
+        "\n"
+        "Aufruf:\n"
+        "  lyrabo-cli info DATEI.mid... [--spur N]\n"
+        "      Format, Ticks pro Viertelnote, Tempo, die Spuren mit Nummer, Name, Anzahl der\n"
+        "      Ereignisse und tiefstem und höchstem Ton, die Taktarten mit ihrem Takt und die Zahl\n"
+        "      der Takte (gezählt nach der Spur N, sonst nach der vorgewählten Spur).\n"
+        "  lyrabo-cli events DATEI.mid [--spur N] [--hex]\n"
+        "      Die Ereignisliste der Spur wie im Fenster (höchstens 500 Zeilen). Jede Zeile: der\n"
+        "      Listentext, dann durch Tabulatoren getrennt Zeit, Message, Data1, Data2 (mit --hex\n"
+        "      hexadezimal), die Bytes und der Text des Ereignisses.\n"
+        "  lyrabo-cli convert DATEI.mid [--spur N] [Optionen] [--harfentext DATEI]\n"
+        "                     [--klangnoten DATEI] [--wdb DATEI.wdb]\n"
+        "      Setzt die Spur um wie das Fenster nach dem Öffnen der Datei und schreibt den\n"
+        "      HarfeEvent-Text, den KlangNoten-Text und/oder die Works-Datenbank. Ohne Ausgabe-\n"
+        "      Option geht der HarfeEvent-Text auf die Standardausgabe; \"-\" als DATEI ebenso.\n"
+        "  lyrabo-cli mix DATEI.mid --spuren 2,3,5 [--spur N] [Optionen] [--harfentext DATEI]\n"
+        "      Mischt die Spuren wie \"Spuren mischen\" im Fenster und schreibt den Text, den das\n"
+        "      Fenster in die Zwischenablage legt (ohne --harfentext auf die Standardausgabe).\n"
+        "  lyrabo-cli --help\n"
+        "\n"
+        "Spur: ohne --spur die zweite Spur, wenn die Datei mindestens zwei hat, sonst die erste.\n"
+        "\n"
+        "Mehrere Dateien (convert, mix):\n"
+        "  --ausgabe ORDNER        jede Datei wird in ORDNER unter ihrem eigenen Namen abgelegt:\n"
+        "                          NAME.txt (HarfeEvent-Text), NAME.klangnoten.txt, NAME.wdb;\n"
+        "                          eine fehlerhafte Datei wird gemeldet, die übrigen werden umgesetzt\n"
+        "  --formate LISTE         nur diese Ausgaben: harfentext, klangnoten, wdb (mit Komma)\n"
+        "\n"
+        "Optionen (wie im Fenster; ohne Angabe gelten die Vorgaben und die User-Daten):\n"
+        "  --transpo N             Transponierung in Halbtönen (-36 bis 36)\n"
+        "  --quantisierung WERT    Quantisierung: " + quant + "\n"
+        "  --kanal 0|1|2           Kanalbelegung\n"
+        "  --legato[=ja|nein]      Legato\n"
+        "  --hoechster-ton-melodie[=ja|nein]\n"
+        "                          höchster Ton eines Akkords ist die Melodie\n"
+        "  --punktierte-pausen[=ja|nein]\n"
+        "                          punktierte Pausen erlauben\n"
+        "  --ohne-pausen-letzter-takt[=ja|nein]\n"
+        "                          den letzten Takt nicht mit Pausen auffüllen\n"
+        "  --felder 11110111       die acht Felder des Textes (ID der Note, Akkord, Art, Start,\n"
+        "                          -, Tonhöhe, Länge/Spur, Kanal/Länge); Feld 8 schaltet jede\n"
+        "                          Neuberechnung wieder ein, wie im Fenster\n"
+        "  --saiten 25|37          Saitenzahl der Harfe (Spalten der Works-Datenbank)\n"
+        "\n"
+        "Texte werden in Windows-1252 mit CR LF geschrieben, Meldungen gehen auf die Fehlerausgabe.\n"
+        "Eine Datei wird erst in eine temporäre Datei geschrieben und dann umbenannt.\n"
+        "\n"
+        "Rückgabewerte: 0 fertig, 2 falscher Aufruf (auch eine Spur, die es nicht gibt, oder eine\n"
+        "falsche Dateiendung bei --wdb), 3 MIDI-Datei nicht lesbar oder ungültig, 4 Umsetzung\n"
+        "fehlgeschlagen, 5 eine Datei konnte nicht geschrieben werden. Bei mehreren Dateien gilt\n"
+        "der Wert des ersten Fehlers.\n";
+}
+
+} // namespace lyrabo::cli

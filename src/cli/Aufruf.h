@@ -1,0 +1,67 @@
+#pragma once
+// One call of the command line, read from its arguments: the command, the MIDI files, the outputs
+// and the options that stand for the window's controls.
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace lyrabo::cli {
+
+// Exit codes of the command line.
+enum Ausgang : int {
+    kFertig = 0,
+    kFalscherAufruf = 2,
+    kMidiDateiFehler = 3,
+    kKonvertierungFehler = 4,
+    kSchreibFehler = 5,
+};
+
+// A wrong call: unknown command or option, a missing or invalid value. The text is German.
+class AufrufFehler : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class Befehl { Hilfe, Info, Events, Convert, Mix };
+
+// The window's options as given on the command line; an empty field leaves the setting as the
+// settings object and the user settings file have it.
+struct COptionen {
+    std::optional<int16_t> Transpo;
+    std::optional<int16_t> QuantPosition;  // 1-based position in NotenLaengenStr
+    std::optional<int16_t> KanalBelegung;
+    std::optional<bool> Legato;
+    std::optional<bool> HoechsterTonMelodie;
+    std::optional<bool> PunktiertePausen;
+    std::optional<bool> PausenLetzterTakt;
+    std::optional<std::string> Felder;     // eight characters '0'/'1'
+    std::optional<int16_t> Saiten;
+};
+
+struct CAufruf {
+    Befehl befehl = Befehl::Hilfe;
+    std::vector<std::string> dateien;
+    std::optional<int16_t> spur;
+    std::vector<int16_t> spuren;           // mix
+    bool hex = false;                      // events
+    std::optional<std::string> harfentext; // file name, "-" = standard output
+    std::optional<std::string> klangnoten;
+    std::optional<std::string> wdb;
+    std::optional<std::string> ausgabeOrdner;
+    // Outputs per file in a folder: harp-event text, KlangNoten text, Works database.
+    bool mitHarfentext = true, mitKlangnoten = true, mitWdb = true;
+    COptionen optionen;
+};
+
+// Reads the arguments after the program name. Throws AufrufFehler.
+CAufruf aufrufLesen(const std::vector<std::string>& argumente);
+
+// Names of the quantisation grid in slider order ("1/1" ... "1/16"), as the settings object has them.
+std::vector<std::string> quantisierungsNamen();
+
+// The German help text.
+std::string hilfeText();
+
+} // namespace lyrabo::cli

@@ -1,0 +1,40 @@
+// lyrabo-cli: the converter without a window, for batch work and scripts.
+#include "cli/Aufruf.h"
+#include "cli/Kommandozeile.h"
+#include "cli/ProgrammOrdner.h"
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+int main(int argc, char** argv) {
+    using namespace lyrabo::cli;
+#ifdef _WIN32
+    // Messages and reports are UTF-8 inside the program.
+    SetConsoleOutputCP(CP_UTF8);
+#endif
+    std::vector<std::string> argumente(argv + 1, argv + argc);
+    CAufruf aufruf;
+    try {
+        aufruf = aufrufLesen(argumente);
+    } catch (const AufrufFehler& f) {
+        std::cerr << "lyrabo-cli: " << f.what() << "\n"
+                  << "Hilfe: lyrabo-cli --help" << std::endl;
+        return kFalscherAufruf;
+    }
+    if (aufruf.befehl == Befehl::Hilfe) {
+        std::cout << hilfeText() << std::flush;
+        return kFertig;
+    }
+    try {
+        CKommandozeile kommandozeile(programmOrdner(argc > 0 ? argv[0] : nullptr), std::cout, std::cerr);
+        return kommandozeile.ausfuehren(aufruf);
+    } catch (const std::exception& f) {
+        std::cerr << "lyrabo-cli: Unerwarteter Fehler: " << f.what() << std::endl;
+        return kKonvertierungFehler;
+    }
+}
