@@ -256,3 +256,20 @@ TEST(WDBDialog, FehlschlagWirdGemeldetNichtAlsGespeichert) {
     EXPECT_NE(w.form.meldungen[0].find("lied.wdb"), std::string::npos) << w.form.meldungen[0];
     EXPECT_NE(w.form.meldungen[0], "Daten gespeichert!");
 }
+
+// With the shipped pieces and no note placed, the written database is the template Works file
+// itself: byte for byte for 37 strings, without header byte 3681 for 25.
+TEST(WDBDatei, MitDenMitgeliefertenStueckenEntstehtDieVorlage) {
+    for (int16_t saiten : {int16_t{25}, int16_t{37}}) {
+        ExportUmgebung u;
+        fs::copy(fs::path(LYRABO_SOURCE_DIR) / "ini", u.ordner / "ini", fs::copy_options::recursive);
+        u.e().WDBSpaltenAnzahl(saiten);
+        auto& writer = u.programm.WDBCreator();
+        writer.Akkorde(neueSammlung<CAkkord>());
+        writer.Pausen(neueSammlung<CKlangPause>());
+        writer.write_WDB((u.ordner / "leer.wdb").string());
+        std::string vorlage = dateiLesen(u.ordner / "ini" / ("wdb_" + std::to_string(saiten) + ".ini"));
+        if (saiten == 25) vorlage.erase(3681, 1);
+        EXPECT_TRUE(dateiLesen(u.ordner / "leer.wdb") == vorlage) << saiten;
+    }
+}
