@@ -101,6 +101,22 @@ TEST_F(Einreihen, TimeStampsAndTempoMarkersFollowTheTempoTable) {
                              });
 }
 
+// The table the window's tempo scan builds from the file is the one worked out above.
+TEST_F(Einreihen, TheTempoScanBuildsTheTableTheQueueIsTimedBy) {
+    programm.initGlobals();
+    programm.Midifile1.ladenAusBytes(tempoLied(), "tempo.mid");
+    programm.tempoScan();
+    ASSERT_EQ(programm.TempoAnzahl, 3);
+    for (size_t i = 0; i <= 3; ++i) {
+        SCOPED_TRACE("Eintrag " + std::to_string(i));
+        CProgramm erwartet(LYRABO_BIN_DIR, form);
+        tempoTabelleEintragen(erwartet);
+        EXPECT_EQ(programm.TempoTabelle[i].tempo, erwartet.TempoTabelle[i].tempo);
+        EXPECT_EQ(programm.TempoTabelle[i].msProTick, erwartet.TempoTabelle[i].msProTick);
+        EXPECT_EQ(programm.TempoTabelle[i].positionMs, erwartet.TempoTabelle[i].positionMs);
+    }
+}
+
 TEST_F(Einreihen, TracksQueuedOneAfterTheOtherSoundTogether) {
     auto out = ausgabe();
     spurEinreihen(programm, 2, *out);
