@@ -104,7 +104,8 @@ TEST(Synthesizer, RendersAQueuedTrackIntoAWavFileThatSoundsAsLongAsTheTrack) {
     out.Action(CMIDIOutput::kSchliessen);
 
     Wav w = wavLesen(wav);
-    std::printf("WAV: %.3f s, RMS %.0f, RMS der ersten Note %.0f\n", w.sekunden(), w.rms(0, w.sekunden()), w.rms(0.02, 0.2));
+    std::printf("WAV: %.3f s, RMS %.0f; Noten 60, 64, 67: %.0f, %.0f, %.0f; Ende %.0f\n", w.sekunden(), w.rms(0, w.sekunden()),
+                w.rms(0.02, 0.2), w.rms(1.42, 1.6), w.rms(3.12, 3.2), w.rms(3.6, 3.7));
     ASSERT_EQ(w.kanaele, 2);
     ASSERT_EQ(w.rate, 44100);
     ASSERT_EQ(w.bits, 16);
@@ -114,12 +115,12 @@ TEST(Synthesizer, RendersAQueuedTrackIntoAWavFileThatSoundsAsLongAsTheTrack) {
     EXPECT_NEAR(w.sekunden(), erwartet, 0.005);
     // Notes sound where the track has them: 60 from 0 to 200 ms, 64 from 1400 to 1600 ms, 67 from
     // 3100 to 3200 ms; the whole is far from silent.
-    EXPECT_GT(w.rms(0.02, 0.2), 300);
-    EXPECT_GT(w.rms(1.42, 1.6), 300);
-    EXPECT_GT(w.rms(3.12, 3.2), 300);
-    EXPECT_GT(w.rms(0, w.sekunden()), 200);
+    EXPECT_GT(w.rms(0.02, 0.2), 500);
+    EXPECT_GT(w.rms(1.42, 1.6), 500);
+    EXPECT_GT(w.rms(3.12, 3.2), 500);
+    EXPECT_GT(w.rms(0, w.sekunden()), 300);
     // After the all-notes-off and the decay the end is quiet.
-    EXPECT_LT(w.rms(3.6, 3.7), w.rms(3.12, 3.2) / 4);
+    EXPECT_LT(w.rms(3.6, 3.7), w.rms(3.12, 3.2) / 20);
 }
 
 TEST(Synthesizer, AMissingSoundfontIsAGermanErrorNotACrash) {

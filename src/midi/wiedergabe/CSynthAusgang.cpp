@@ -37,6 +37,9 @@ void CSynthAusgang::synthAnlegen(const std::filesystem::path& soundfont) {
     m_settings = new_fluid_settings();
     if (!m_settings) synthFehler("Die Einstellungen lassen sich nicht anlegen.");
     fluid_settings_setnum(m_settings, "synth.sample-rate", kAbtastrate);
+    // The library's default gain (0.2) leaves a single melody at about -40 dBFS; a few tracks
+    // at 0.5 are still far from clipping.
+    fluid_settings_setnum(m_settings, "synth.gain", 0.5);
     m_synth = new_fluid_synth(m_settings);
     if (!m_synth) {
         freigeben();
