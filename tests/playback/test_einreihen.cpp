@@ -255,13 +255,15 @@ TEST_F(Einreihen, PlaybackRateScalesTheClock) {
     }
     out->Action(CMIDIOutput::kOeffnen);
     out->PlaybackRate(-50);  // half speed: 150 ms of the piece take 300 ms
+    auto start = std::chrono::steady_clock::now();
     out->Action(CMIDIOutput::kSpielen);
     ASSERT_TRUE(ev.aufEndeWarten());
     auto n = aufnahme->nachrichten();
     ASSERT_EQ(n.size(), 2u);
     EXPECT_DOUBLE_EQ(n[1].zeitMs, 300);
+    // Never early; how late a busy machine makes it is not this test's business.
     using Ms = std::chrono::duration<double, std::milli>;
-    EXPECT_GE(Ms(n[1].real - n[0].real).count(), 295);
+    EXPECT_GE(Ms(n[1].real - start).count(), 299);
 
     // Twice as fast, and slower than kKleinsteRate is not taken.
     out->PlaybackRate(100);
