@@ -1,5 +1,6 @@
 #include "WorksVorlage.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 #include <vector>
@@ -20,7 +21,6 @@ constexpr int kVerzeichnisSektor = 1;
 // in that one cell is lost.
 constexpr int kSchriftenVon = 11;
 constexpr int kSchriftenBis = 18;
-constexpr int kZellenLaenge = 14;
 
 void u16(std::string& s, uint16_t v) {
     s.push_back(static_cast<char>(v & 0xFF));
