@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Takes docs/fenster.png: the window with a converted song, drawn on a virtual X server.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/pakete.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLYRABO_TESTS=ON -DLYRABO_BENCH=OFF
+cmake --build build --target lyrabo_bildschirmfoto
+mkdir -p docs
+xvfb-run -a -s "-screen 0 1366x768x24" env QT_QPA_PLATFORM=xcb build/bin/lyrabo_bildschirmfoto docs/fenster.png
+echo "docs/fenster.png geschrieben."

@@ -1,0 +1,65 @@
+// Takes the README's picture of the window: a folk-song melody opened and converted, the window
+// grabbed as it draws itself. Run under a real (virtual) X server: scripts/bildschirmfoto.sh.
+#include "app/CStart.h"
+#include "app/core/CProgramm.h"
+#include "support/MidiBauer.h"
+#include "support/TestOrdner.h"
+#include "ui/frmLyrabo.h"
+
+#include <QApplication>
+#include <QPixmap>
+#include <QTimer>
+
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+
+// "Freude, schöner Götterfunken" in D major, with a tempo track and a bass line.
+lyrabo::test::MidiBauer freude() {
+    lyrabo::test::MidiBauer lied(480);
+    lied.spur().name("Tempo").tempo(0, 500000).taktart(0, 4, 2);
+    auto& melodie = lied.spur().name("Melodie");
+    const int viertel = 480;
+    const int haelfte[][2] = {{66, 1}, {66, 1}, {67, 1}, {69, 1}, {69, 1}, {67, 1}, {66, 1}, {64, 1},
+                              {62, 1}, {62, 1}, {64, 1}, {66, 1}};
+    for (int runde = 0; runde < 2; ++runde) {
+        for (const auto& n : haelfte) melodie.note(0, n[0], static_cast<uint32_t>(n[1] * viertel));
+        const int schluss = runde == 0 ? 64 : 62;
+        melodie.note(0, runde == 0 ? 66 : 64, 720).note(0, schluss, 240).note(0, schluss, 960);
+    }
+    auto& bass = lied.spur().name("Begleitung");
+    for (int ton : {50, 45, 50, 45, 50, 45, 45, 50}) bass.note(0, ton, 1920);
+    return lied;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Lyrabo"));
+    const QString ziel = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs/fenster.png");
+
+    lyrabo::test::TestOrdner ordner;
+    std::filesystem::create_directories(ordner / "data");
+    std::filesystem::copy(std::filesystem::path(LYRABO_BIN_DIR) / "ini", ordner / "ini",
+                          std::filesystem::copy_options::recursive);
+    const auto lied = freude().schreiben(ordner / "Freude.mid");
+
+    lyrabo::CStart start(ordner.pfad());
+    lyrabo::frmLyrabo& fenster = start.Fenster();
+    fenster.setGeometry(0, 0, 1366, 740);
+    start.Programm().Einstellungen().MIDIFilePath(lied.string());
+    if (!fenster.sicher([&] { start.Programm().openMIDIFile(2); })) return 1;
+
+    int ergebnis = 0;
+    QTimer::singleShot(800, &app, [&] {
+        if (!fenster.grab().save(ziel)) {
+            std::fprintf(stderr, "Konnte %s nicht schreiben.\n", qPrintable(ziel));
+            ergebnis = 1;
+        }
+        app.quit();
+    });
+    app.exec();
+    return ergebnis;
+}
