@@ -132,7 +132,7 @@ TEST(Ereignisliste, ZeigtDieEreignisseDerSpurUndIhreWerte) {
 
     // Another track refills the list.
     u.el<QListWidget>("TrackList")->setCurrentRow(0);
-    EXPECT_EQ(liste->item(0)->text(), "Sysex 3");
+    EXPECT_EQ(liste->item(0)->text(), "Track Name 3 : Tempo");
 
     u.el<QPushButton>("cmdToKlangnoten")->click();
     EXPECT_TRUE(u.el<QFrame>("frameKlangnoten")->isVisible());

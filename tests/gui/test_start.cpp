@@ -31,7 +31,9 @@ TEST(Start, LegtDieSaitenspaltenWieHarfensaitenNebeneinander) {
         QLabel* feld = u.el<QLabel>("labSpalte", i);
         ASSERT_NE(feld, nullptr);
         EXPECT_TRUE(feld->isVisibleTo(&u.fenster()));
-        if (vorherRechts >= 0) EXPECT_EQ(feld->x(), vorherRechts + 3) << "Feld " << i;
+        if (vorherRechts >= 0) {
+            EXPECT_EQ(feld->x(), vorherRechts + 3) << "Feld " << i;
+        }
         vorherRechts = feld->x() + feld->width();
         const bool oktave = i % 12 == 0;
         EXPECT_EQ(hintergrund(feld) == QColor(150, 150, 255), oktave) << "Feld " << i;
