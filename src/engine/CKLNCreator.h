@@ -10,6 +10,8 @@
 namespace lyrabo {
 
 class CProgramm;
+class CTaktRaster;
+class CEinstellungen;
 
 class CKLNCreator {
 public:
@@ -52,6 +54,42 @@ public:
     int32_t TaktStartVon(int16_t n);
 
 private:
+    // ---- stages of produce, one file per group ----
+    // Notenlesen.cpp
+    bool createKlangNoten();
+    bool textVorNoten();
+    // Quantisierung.cpp
+    void quantisieren();
+    void taktNrSetzen();
+    // Doppelte.cpp and Mischen.cpp
+    void doppelEventsEntfernen();
+    void klangNoteKopieren(const CKlangNote& quelle, CKlangNote& ziel);
+    int16_t spurNachStimme(int16_t spur);
+    const SammlungRef<CInteger>& SpurReihenfolge();
+    void mischeEin(const KlangNotenRef& gemischt, const KlangNotenRef& spurNoten);
+    // Akkorde.cpp
+    bool checkIsMonoton();
+    void akkordeBilden();
+    // Laengen.cpp
+    void laengenKorrigieren();
+    void legatoSetzen();
+    void taktGrenzeSchneiden();
+    // Taktschnitt.cpp
+    void notenInTaktCut();
+    // Pausen.cpp
+    void pausenErzeugen();
+    void pauseTaktSchneidenMeta(const CTaktRaster& raster, int16_t tonHoehe, int16_t akkordNr, int32_t von, int32_t bis);
+    void pauseTaktTeilen(const CTaktRaster& raster, int16_t tonHoehe, int16_t akkordNr, int32_t von, int32_t bis);
+    void pauseZerlegen(int16_t tonHoehe, int16_t akkordNr, int32_t start, int32_t laenge);
+    void pauseHinzufuegen(int16_t tonHoehe, int16_t akkordNr, int32_t start, int32_t laenge);
+    void punktiertePausenAufloesen();
+
+    // Where messages go: the engine's window, else the program's.
+    IForm& meldeForm();
+    // The reader the track is read through: the one handed in, else the program's own.
+    Midifile& leser();
+    CEinstellungen& einstellungen();
+
     CProgramm& m_programm;
     AkkordeRef m_akkorde;
     KlangNotenRef m_klangNoten;
@@ -60,6 +98,10 @@ private:
     IForm* m_form = nullptr;
     IDialog* m_dialog = nullptr;
     bool m_isMonoton = true;
+    // Length of a sixteenth in the file's ticks, set by produce before the stages run.
+    int16_t m_arbeitsLaenge = 0;
+    // Tracks in the order of their strings; nothing fills it, so every track is voice 1.
+    SammlungRef<CInteger> m_spurReihenfolge;
 };
 
 } // namespace lyrabo
