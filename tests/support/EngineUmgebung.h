@@ -67,6 +67,15 @@ public:
         e().TrackNr(spur);
     }
 
+    // Opens the file as the window does (written beside the program, loaded without a dialog),
+    // then computes the bar tables for the track as a conversion does before it runs.
+    void oeffnen(const MidiBauer& datei, int16_t spur) {
+        e().MIDIFilePath(datei.schreiben(ordner / "lied.mid").string());
+        programm.openMIDIFile(2);
+        e().TrackNr(spur);
+        programm.MIDIFileSetsESVarsFrmIntern(spur);
+    }
+
     // Bar tables as opening the file would set them, bar k at position k.
     void takte(const std::vector<EngineTakt>& liste) {
         e().initTaktLaengen();
