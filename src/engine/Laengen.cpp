@@ -23,20 +23,19 @@ void CKLNCreator::laengenKorrigieren() {
 
     // A note reaches at most to the next later start. The search for that start gives up as soon
     // as it reaches the last position after stepping over notes of the same start, so the last
-    // note is then never taken as the next one: kept as it always was.
+    // note is then never taken as the next one: kept as it always was. The search is done once
+    // per group of equal starts: every note of a group but its last steps to the group's end.
     const int64_t anzahl = static_cast<int64_t>(noten.size());
+    int64_t gruppenEnde = 0; // 1-based position of the last note with the same start as note i
     for (int64_t i = 1; i <= anzahl - 1; ++i) {
         const auto& a = noten[static_cast<size_t>(i - 1)];
-        int64_t j = i + 1;
-        bool gefunden = true;
-        while (noten[static_cast<size_t>(j - 1)]->StartZeit() == a->StartZeit()) {
-            ++j;
-            if (j >= anzahl) {
-                gefunden = false;
-                break;
-            }
+        if (gruppenEnde < i) {
+            gruppenEnde = i;
+            while (gruppenEnde < anzahl && noten[static_cast<size_t>(gruppenEnde)]->StartZeit() == a->StartZeit()) ++gruppenEnde;
         }
-        if (!gefunden) continue;
+        const int64_t j = gruppenEnde + 1;
+        // Stepping over notes of the same start gives up on reaching the count.
+        if (j > anzahl || (gruppenEnde > i && j >= anzahl)) continue;
         const auto& b = noten[static_cast<size_t>(j - 1)];
         const int32_t abstand = sub32(b->StartZeit(), a->StartZeit());
         if (a->Laenge() == 0 || abstand < a->Laenge()) {
