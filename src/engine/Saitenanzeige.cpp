@@ -9,10 +9,13 @@ namespace lyrabo {
 void CKLNCreator::findMinMax() {
     auto& midi = leser();
     if (!midi.geladen()) return;
+    // With no row selected there is no track to look at: the display stays as it is.
+    const int16_t spur = add16(meldeForm().ausgewaehlteSpurZeile(), 1);
+    if (spur < 1 || spur > midi.TrackCount()) return;
     auto& e = einstellungen();
     e.TonMax(0);
     e.TonMin(128);
-    midi.Track(add16(meldeForm().ausgewaehlteSpurZeile(), 1));
+    midi.Track(spur);
     const int32_t anzahl = midi.EventCount();
     for (int32_t i = 1; i <= anzahl; ++i) {
         midi.Event(i);

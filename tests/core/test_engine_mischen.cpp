@@ -53,10 +53,8 @@ TEST(EngineMischen, StabilNachStartzeitFruehereSpurenZuerst) {
         {960, 480, 64, 1, 3, 2}, {960, 960, 69, 1, 3, 1},
     };
     EXPECT_EQ(merkmale(u.noten()), erwartet);
-    // Chords of the merged notes: the longer 69 goes in front of the 64 ...
-    ASSERT_EQ(u.akkorde()->Count(), 3);
-    EXPECT_EQ(u.akkorde()->Item(3)->Item(1)->TonHoehe(), 69);
-    // ... so the rest at the end follows the 64, the last note of that chord.
+    // Chords of the merged notes (the places in Kanal above): the longer 69 goes in front of the
+    // 64, so the rest at the end follows the 64, the last note of that chord.
     ASSERT_EQ(u.pausen()->Count(), 1);
     EXPECT_EQ(u.pausen()->Item(1)->StartZeit(), 1440);
     EXPECT_EQ(u.pausen()->Item(1)->Laenge(), 480);
@@ -196,9 +194,18 @@ TEST(EngineSaiten, UmfangFaerbtFelderUndRaender) {
     EXPECT_EQ(u.form.rechts, grau);
 }
 
-TEST(EngineSaiten, OhneGeladeneDateiBleibtAllesStehen) {
+TEST(EngineSaiten, OhneDateiOderOhneGewaehlteSpurBleibtAllesStehen) {
     EngineUmgebung u;
     u.e().TonMin(60);
     u.engine().findMinMax();
     EXPECT_EQ(u.e().TonMin(), 60);
+    MidiBauer d(480);
+    d.spur().note(0, 70, 480);
+    u.laden(d);
+    u.form.zeile = -1;
+    u.engine().findMinMax();
+    EXPECT_EQ(u.e().TonMin(), 60);
+    u.form.zeile = 0;
+    u.engine().findMinMax();
+    EXPECT_EQ(u.e().TonMin(), 70);
 }
