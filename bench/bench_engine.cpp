@@ -113,13 +113,13 @@ struct Stueck {
     EngineUmgebung u;
     Stueck(int spuren, int notenJeSpur, int akkordAlle, bool begleitungOhneEnde) {
         MidiBauer d(480);
-        auto& takt = d.spur();
+        d.spur(); // track 1: tempo and metre, written once the length is known
         int32_t laenge = 0;
         for (int s = 0; s < spuren; ++s) {
             auto& spur = d.spur();
             laenge = std::max(laenge, melodie(spur, notenJeSpur, 17u + static_cast<unsigned>(s), akkordAlle, begleitungOhneEnde));
         }
-        metrum(takt, laenge + 28800);
+        metrum(d.spur(0), laenge + 28800);
         u.oeffnen(d, 2);
         for (int s = 2; s <= spuren + 1; ++s) u.e().SpurSelected()->Item(s)->Value(1);
     }
