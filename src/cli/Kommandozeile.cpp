@@ -303,6 +303,7 @@ void CKommandozeile::convert(const std::string& datei) {
 void CKommandozeile::wdbSpeichern(const std::string& name) {
     m_phase = Phase::Umsetzen;
     CKLNCreator& kln = m_programm.KLNCreator();
+    kln.KlangNoten(m_programm.KlangNoten);
     if (!kln.produce(true))
         throw UmsetzungFehler("Die Spur " + std::to_string(m_spur) + " konnte nicht umgesetzt werden.");
     CWDBCreator& w = m_programm.WDBCreator();

@@ -86,6 +86,7 @@ public:
 
     // The Works database as the save menu writes it.
     std::string wdb(const fs::path& ziel) {
+        kln().KlangNoten(programm.KlangNoten);
         if (!kln().produce(true)) return {};
         CWDBCreator& w = programm.WDBCreator();
         w.Dialog(&form);
