@@ -60,8 +60,6 @@ int CKommandozeile::ausfuehren(const CAufruf& aufruf) {
     for (const auto& datei : aufruf.dateien) {
         int code = dateiBearbeiten(datei);
         if (ergebnis == kFertig) ergebnis = code;
-        // A wrong call stays wrong for every further file.
-        if (code == kFalscherAufruf && aufruf.dateien.size() > 1 && !aufruf.ausgabeOrdner) break;
     }
     return ergebnis;
 }
