@@ -21,12 +21,17 @@ constexpr int32_t kZellKopf = 11;
 constexpr int16_t kSpaltenVersatz = 54;
 
 fs::path pfadAusUtf8(const std::string& s) { return fs::path(std::u8string(s.begin(), s.end())); }
+// Messages are UTF-8 on every system, whatever the path's native form.
+std::string pfadText(const fs::path& p) {
+    std::u8string u = p.u8string();
+    return std::string(u.begin(), u.end());
+}
 
 // A template piece that is not there is reported by its name; the user has to restore ini/.
 std::string vorlageLesen(const fs::path& pfad) {
     std::error_code ec;
     if (!fs::is_regular_file(pfad, ec))
-        throw DateiFehler("Die Vorlagendatei \"" + pfad.string() + "\" wurde nicht gefunden. "
+        throw DateiFehler("Die Vorlagendatei \"" + pfadText(pfad) + "\" wurde nicht gefunden. "
                           "Die Datenbank wurde nicht gespeichert.");
     return dateiLesen(pfad);
 }
