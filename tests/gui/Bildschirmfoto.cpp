@@ -6,8 +6,10 @@
 #include "support/TestOrdner.h"
 #include "ui/frmLyrabo.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QPixmap>
+#include <QPushButton>
 #include <QTimer>
 
 #include <cstdio>
@@ -39,6 +41,8 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lyrabo"));
     const QString ziel = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs/fenster.png");
+    // Optionally another options page (1 to 6) or "ereignisse" for the event list.
+    const QString ansicht = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
 
     lyrabo::test::TestOrdner ordner;
     std::filesystem::create_directories(ordner / "data");
@@ -51,6 +55,13 @@ int main(int argc, char** argv) {
     fenster.setGeometry(0, 0, 1366, 740);
     start.Programm().Einstellungen().MIDIFilePath(lied.string());
     if (!fenster.sicher([&] { start.Programm().openMIDIFile(2); })) return 1;
+
+    if (ansicht == QStringLiteral("ereignisse")) {
+        fenster.findChild<QAction*>(QStringLiteral("mShowMIDIEvents"))->trigger();
+    } else if (!ansicht.isEmpty()) {
+        for (auto* knopf : fenster.findChildren<QPushButton*>(QStringLiteral("cmdEbene")))
+            if (knopf->property("Index").toString() == ansicht) knopf->click();
+    }
 
     int ergebnis = 0;
     QTimer::singleShot(800, &app, [&] {
