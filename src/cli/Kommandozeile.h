@@ -33,7 +33,6 @@ private:
     // Opens the file as the window does after "Datei öffnen": fresh settings, the user settings
     // file, the options, then the load; with `umsetzen` the preselected track is converted.
     void laden(const std::string& datei, bool umsetzen);
-    int16_t gewaehlteSpur() const { return m_spur; }
     void optionenSetzen();
     void felderSetzen();
 

@@ -224,7 +224,9 @@ TEST_F(UmsetzenTest, EinSchreibgeschuetzterOrdnerGibtFuenf) {
         EXPECT_EQ(l.code, 5) << ausgabe[0] << l.fehler;
         EXPECT_FALSE(l.fehler.empty());
     }
-    if (fs::is_directory(gesperrt)) EXPECT_TRUE(dateienIn(gesperrt).empty());
+    if (fs::is_directory(gesperrt)) {
+        EXPECT_TRUE(dateienIn(gesperrt).empty());
+    }
 
     Lauf ordner = lauf({"convert", lied_.string(), "--ausgabe", (gesperrt / "unter").string()});
     EXPECT_EQ(ordner.code, 5);
