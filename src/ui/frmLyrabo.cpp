@@ -829,6 +829,8 @@ void frmLyrabo::neuBerechnen() {
 void frmLyrabo::TrackList_Click() {
     if (m_listeWirdGefuellt || TrackList->currentRow() < 0) return;
     neuBerechnen();
+    // A load leaves the copy button off; choosing a track is what makes copying worthwhile again.
+    cmdKopieren->setEnabled(true);
 }
 
 void frmLyrabo::hsTranspo_Change(int wert) {

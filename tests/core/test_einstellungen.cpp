@@ -119,32 +119,33 @@ TEST(UserDaten, SchluesselWerdenNieVerglichenUndUmlauteSindWindows1252) {
     EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 31), "\"Default-Ordner = \",\"D:\\Gr\xFC\xDF" "e\\\"");
 }
 
-TEST(UserDaten, ZuKurzeDateiBehaeltDieGelesenenWerte) {
-    TestOrdner t;
-    std::filesystem::create_directory(t / "data");
-    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
-        << "\"Default-Ordner = \",\"X\\\"\r\n\"HoechsterTonMelodie = \",#TRUE#\r\n\"Legato = \",#TRUE#\r\n";
-    CEinstellungen e;
-    std::string aktuell;
-    EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
-    EXPECT_TRUE(e.HoechsterTonMelodie());
-    EXPECT_TRUE(e.Legato());
-    EXPECT_TRUE(e.PausenLetzterTakt()); // never read: default
-    EXPECT_EQ(e.InitDir(), t.pfad().string());
-    EXPECT_EQ(aktuell, "X\\"); // taken from line 1 before the failure
-}
-
-TEST(UserDaten, UnlesbarerWahrheitswertBeendetDasLesen) {
-    TestOrdner t;
-    std::filesystem::create_directory(t / "data");
-    std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary)
-        << "\"Default-Ordner = \",\"\"\r\n\"H\",#TRUE#\r\n\"L\",vielleicht\r\n\"P\",#FALSE#\r\n\"Q\",#TRUE#\r\n";
-    CEinstellungen e;
-    std::string aktuell;
-    EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
-    EXPECT_TRUE(e.HoechsterTonMelodie());
-    EXPECT_FALSE(e.Legato());
-    EXPECT_TRUE(e.PausenLetzterTakt());
+// A read that fails part-way keeps the Booleans read so far; InitDir falls back to the program folder.
+TEST(UserDaten, AbgebrochenesLesenBehaeltDasSchonGelesene) {
+    struct Fall {
+        const char* inhalt;
+        bool hoechster, legato, pausenLetzter;
+        const char* aktuell;
+    };
+    const Fall faelle[] = {
+        // fewer than five lines
+        {"\"Default-Ordner = \",\"X\\\"\r\n\"H\",#TRUE#\r\n\"L\",#TRUE#\r\n", true, true, true, "X\\"},
+        // a value that is no Boolean
+        {"\"Default-Ordner = \",\"\"\r\n\"H\",#TRUE#\r\n\"L\",vielleicht\r\n\"P\",#FALSE#\r\n\"Q\",#TRUE#\r\n", true, false,
+         true, ""},
+    };
+    for (const auto& f : faelle) {
+        TestOrdner t;
+        std::filesystem::create_directory(t / "data");
+        std::ofstream(t / "data" / "LYRABO_user.ini", std::ios::binary) << f.inhalt;
+        CEinstellungen e;
+        std::string aktuell;
+        EXPECT_FALSE(UserDatenLesen(e, aktuell, t.pfad()));
+        EXPECT_EQ(e.HoechsterTonMelodie(), f.hoechster);
+        EXPECT_EQ(e.Legato(), f.legato);
+        EXPECT_EQ(e.PausenLetzterTakt(), f.pausenLetzter); // never read: default
+        EXPECT_EQ(e.InitDir(), t.pfad().string());
+        EXPECT_EQ(aktuell, f.aktuell); // line 1 was taken before the failure
+    }
 }
 
 TEST(UserDaten, LeererOrdnerBleibtLeer) {
@@ -161,21 +162,23 @@ TEST(UserDaten, LeererOrdnerBleibtLeer) {
     EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 24), "\"Default-Ordner = \",\"\"\r\n");
 }
 
-TEST(UserDaten, FehlschlagBeimSchreibenLaesstDieAlteDateiStehen) {
+TEST(UserDaten, FehlschlagBeimSchreibenMeldetSichUndLaesstDieAlteDateiStehen) {
     TestOrdner t;
     CEinstellungen e;
     try {
-        UserDatenSchreiben(e, "", t.pfad()); // no data folder: never created
+        UserDatenSchreiben(e, "", t.pfad()); // no data folder: it is never created
         FAIL();
     } catch (const DateiFehler& f) {
         EXPECT_NE(std::string(f.what()).find("User-Daten konnten nicht gespeichert werden."), std::string::npos);
     }
     std::filesystem::create_directory(t / "data");
     UserDatenSchreiben(e, "A\\", t.pfad());
-    std::filesystem::permissions(t / "data", std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    if (std::ofstream(t / "data" / "probe")) GTEST_SKIP() << "running with rights that ignore folder permissions";
-    EXPECT_THROW(UserDatenSchreiben(e, "B\\", t.pfad()), DateiFehler);
-    EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_user.ini").substr(0, 25), "\"Default-Ordner = \",\"A\\\"\r");
+    // A folder in the way of the rename stands for any target that cannot be replaced.
+    std::filesystem::create_directories(t / "sperre" / "data" / "LYRABO_user.ini" / "x");
+    EXPECT_THROW(UserDatenSchreiben(e, "B\\", t / "sperre"), DateiFehler);
+    EXPECT_TRUE(std::filesystem::exists(t / "sperre" / "data" / "LYRABO_user.ini" / "x"));
+    for (const auto& eintrag : std::filesystem::directory_iterator(t / "sperre" / "data"))
+        EXPECT_EQ(eintrag.path().filename(), "LYRABO_user.ini"); // no temporary file left behind
 }
 
 TEST(ZeichenTabellen, NotenUndPausenZeichen) {
