@@ -1,13 +1,39 @@
-// lyrabo-cli: calls, file information, the event list and files it cannot read.
-#include "CliUmgebung.h"
-
+// Runs the real lyrabo-cli from a private program folder (its own copy beside its own ini/ and
+// data/) and compares what it writes with what the core computes the way the window gets it.
+#include "app/core/CProgramm.h"
+#include "engine/CKLNCreator.h"
+#include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
-#include "settings/CEinstellungen.h"
+#include "model/Text.h"
+#include "settings/UserDaten.h"
+#include "support/MidiBauer.h"
+#include "support/TestOrdner.h"
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <set>
 #include <sstream>
+#include <tuple>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
 
 namespace lyrabo::test {
 namespace {
+
+namespace fs = std::filesystem;
+
+std::string lesen(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void schreiben(const fs::path& p, const std::string& bytes) { std::ofstream(p, std::ios::binary) << bytes; }
+
+bool enthaelt(const std::string& text, const std::string& teil) { return text.find(teil) != std::string::npos; }
 
 std::vector<std::string> zeilenVon(const std::string& text) {
     std::vector<std::string> zeilen;
@@ -16,199 +42,273 @@ std::vector<std::string> zeilenVon(const std::string& text) {
     return zeilen;
 }
 
-std::vector<std::string> spalten(const std::string& zeile) {
-    std::vector<std::string> s;
-    size_t start = 0;
-    while (true) {
-        size_t tab = zeile.find('\t', start);
-        s.push_back(zeile.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
-        if (tab == std::string::npos) return s;
-        start = tab + 1;
-    }
+std::set<std::string> dateienIn(const fs::path& ordner) {
+    std::set<std::string> namen;
+    for (const auto& e : fs::directory_iterator(ordner)) namen.insert(e.path().filename().string());
+    return namen;
 }
 
-bool enthaelt(const std::string& text, const std::string& teil) { return text.find(teil) != std::string::npos; }
-
-using KommandozeileTest = CliTest;
-
-TEST_F(KommandozeileTest, HilfeUndFalscheAufrufe) {
-    Lauf hilfe = lauf({"--help"});
-    EXPECT_EQ(hilfe.code, 0);
-    EXPECT_TRUE(enthaelt(hilfe.aus, "lyrabo-cli convert DATEI.mid"));
-    EXPECT_TRUE(enthaelt(hilfe.aus, "1/16"));  // the grid names come from the settings
-    EXPECT_TRUE(enthaelt(hilfe.aus, "Rückgabewerte"));
-
-    auto lied_ = midi("lied.mid", lied()).string();
-    const std::vector<std::pair<std::vector<std::string>, std::string>> falsch = {
-        {{}, "Kein Befehl"},
-        {{"drucken", lied_}, "Unbekannter Befehl"},
-        {{"convert", lied_, "--kanal", "3"}, "--kanal"},
-        {{"convert", lied_, "--quantisierung", "1/3"}, "1/2p"},
-        {{"convert", lied_, "--felder", "1111011"}, "--felder"},
-        {{"convert", lied_, "--saiten", "30"}, "--saiten"},
-        {{"convert", lied_, "--transpo", "zwei"}, "--transpo"},
-        {{"convert", lied_, "--transpo"}, "fehlt"},
-        {{"events", lied_, "--legato"}, "gilt nicht"},
-        {{"convert", lied_, lied_}, "--ausgabe"},
-        {{"mix", lied_}, "--spuren"},
-        {{"convert", lied_, "--legato=vielleicht"}, "ja oder nein"},
-        {{"convert", lied_, "--harfentext", "-", "--klangnoten", "-"}, "Standardausgabe"},
-        {{"info"}, "Keine MIDI-Datei"},
-    };
-    for (const auto& [args, meldung] : falsch) {
-        Lauf l = lauf(args);
-        EXPECT_EQ(l.code, 2) << args.size();
-        EXPECT_TRUE(enthaelt(l.fehler, meldung)) << l.fehler;
-        EXPECT_TRUE(l.aus.empty());
+// The window's flow on one file: after the load the preselected row is converted. Texts are kept
+// in Windows-1252, as the command line writes them.
+class Kern : public IForm {
+public:
+    Kern(const fs::path& ordner, const fs::path& midi, int16_t spurNr,
+         const std::function<void(CEinstellungen&)>& optionen = {})
+        : programm(ordner, *this), spur(spurNr) {
+        programm.initGlobals();
+        if (optionen) optionen(programm.Einstellungen());
+        programm.Einstellungen().MIDIFilePath(midi.string());
+        EXPECT_TRUE(programm.openMIDIFile(2));
     }
-}
+    void meldung(const std::string&) override {}
+    int16_t ausgewaehlteSpurZeile() const override { return static_cast<int16_t>(spur - 1); }
+    void setKlangNotenText(const std::string& t) override { text = utf8ZuCp1252(t); }
+    void setZwischenablage(const std::string& t) override { zwischenablage = utf8ZuCp1252(t); }
+    void nachDateiGeladen() override { programm.neuBerechnen(); }
 
-TEST_F(KommandozeileTest, InfoZeigtWasDerKernVonDerDateiWeiss) {
-    fs::path datei = midi("lied.mid", lied());
-    Lauf l = lauf({"info", datei.string()});
-    ASSERT_EQ(l.code, 0) << l.fehler;
+    CKLNCreator& kln() { return programm.KLNCreator(); }
 
-    // Fixed facts of the file.
-    EXPECT_TRUE(enthaelt(l.aus, "Format: 1\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "Ticks pro Viertelnote: 480\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "Tempo: 120\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "Spuren: 3\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "  Spur 2: Melodie | 26 Ereignisse | "));
-    EXPECT_TRUE(enthaelt(l.aus, "  Spur 3: Bass | 10 Ereignisse | "));
-    EXPECT_TRUE(enthaelt(l.aus, "Taktarten: 2 (Takte gezählt nach Spur 2)\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "  1. 3/4 ab Takt 1 (Tick 0)\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "  2. 6/8 ab Takt 3 (Tick 2880)\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "Takte: 4\n"));
-
-    // Labels and note ranges as the core finds them for the track list and the string display.
-    Kern k = kern(datei, 2, {}, false);
-    ASSERT_TRUE(k.geladen);
-    ASSERT_EQ(k.form.labels.size(), 3u);
-    for (int16_t spur = 1; spur <= 3; ++spur) {
-        k.form.zeile = static_cast<int16_t>(spur - 1);
-        k.kln().findMinMax();
-        CEinstellungen& e = k.programm.Einstellungen();
-        k.programm.Midifile1.Track(spur);
-        std::string zeile = "  Spur " + std::to_string(spur) + ": " + k.form.labels[size_t(spur - 1)] + " | " +
-                            std::to_string(k.programm.Midifile1.EventCount()) + " Ereignisse | " +
-                            (e.TonMin() > e.TonMax() ? std::string("keine Noten")
-                                                     : "tiefster Ton " + std::to_string(e.TonMin()) +
-                                                           ", höchster Ton " + std::to_string(e.TonMax())) +
-                            "\n";
-        EXPECT_TRUE(enthaelt(l.aus, zeile)) << zeile << l.aus;
+    // The Works database as the save menu writes it: converted once more, then written.
+    std::string wdb(const fs::path& ziel) {
+        kln().KlangNoten(programm.KlangNoten);
+        EXPECT_TRUE(kln().produce(true));
+        CWDBCreator& w = programm.WDBCreator();
+        w.Akkorde(kln().Akkorde());
+        w.KlangNoten(kln().KlangNoten());
+        w.Pausen(kln().Pausen());
+        w.write_WDB(ziel.string());
+        return lesen(ziel);
     }
 
-    // Bars follow the chosen track: the bass is 5,760 ticks too, the tempo track ends at tick 2,880.
-    Lauf spur1 = lauf({"info", datei.string(), "--spur", "1"});
-    ASSERT_EQ(spur1.code, 0) << spur1.fehler;
-    EXPECT_TRUE(enthaelt(spur1.aus, "Takte: 2\n")) << spur1.aus;
+    CProgramm programm;
+    int16_t spur;
+    std::string text, zwischenablage;
+};
+
+struct Lauf { int code; std::string aus, fehler; };
+
+// Three tracks: tempo 120 with 3/4 and from bar 3 on 6/8; a melody with gaps between its notes;
+// a bass. The melody is 5,760 ticks long: two bars of 3/4 and two of 6/8.
+MidiBauer lied() {
+    MidiBauer b(480);
+    b.spur().tempo(0, 500000).taktart(0, 3, 2).taktart(2880, 6, 3).ende();
+    auto& m = b.spur().name("Melodie");
+    for (int i = 0; i < 12; ++i) m.note(i == 0 ? 0 : 120, 60 + (i % 8), 360);
+    m.ende(120);
+    b.spur().name("Bass").note(0, 48, 1440).note(0, 50, 1440).note(0, 52, 1440).note(0, 53, 1440).ende();
+    return b;
 }
 
-TEST_F(KommandozeileTest, InfoEinerDateiMitEinerSpurOhneNamenUndOhneTaktart) {
+// A private program folder with a copy of lyrabo-cli, the templates and an empty data/.
+class CliTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        fs::path exe(LYRABO_CLI_EXE);
+        fs::create_directories(programm / "data");
+        fs::copy_file(exe, programm / exe.filename());
+        fs::copy(exe.parent_path() / "ini", programm / "ini", fs::copy_options::recursive);
+    }
+
+    fs::path datei(const std::string& name) const { return ordner / name; }
+    fs::path midi(const std::string& name, const MidiBauer& b = lied()) const { return b.schreiben(datei(name)); }
+
+    Lauf lauf(const std::vector<std::string>& args) const {
+        // No argument of these tests holds a quote.
+        std::string befehl = "'" + (programm / fs::path(LYRABO_CLI_EXE).filename()).string() + "'";
+        for (const auto& a : args) befehl += " '" + a + "'";
+        befehl += " > '" + datei("stdout").string() + "' 2> '" + datei("stderr").string() + "' < /dev/null";
+        int rc = std::system(befehl.c_str());
+#ifndef _WIN32
+        rc = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
+#endif
+        return {rc, lesen(datei("stdout")), lesen(datei("stderr"))};
+    }
+
+    TestOrdner ordner;
+    fs::path programm = ordner / "programm";
+};
+
+// Each file into the folder under its own name, as the core converts its preselected track; a bad
+// file is reported, a second file of the same name refused, and the others go on. Nothing
+// temporary is left beside the outputs.
+TEST_F(CliTest, MehrereDateienInEinenOrdnerEineSchlechteHaeltNichtAuf) {
+    fs::path eins = midi("eins.mid"), kaputt = datei("kaputt.mid"), aus = datei("aus");
+    schreiben(kaputt, "MThd kaputt");
     MidiBauer b(96, 0);
-    b.spur().name("").note(0, 67, 96).note(0, 69, 96).ende(0);
-    fs::path datei = midi("eine.mid", b);
-    Lauf l = lauf({"info", datei.string()});
+    b.spur().name("Solo").note(0, 67, 96).note(0, 69, 192).ende();
+    fs::path zwei = midi("zwei.mid", b);
+    fs::create_directories(datei("b"));
+    fs::copy_file(zwei, datei("b") / "eins.mid");
+
+    Lauf l = lauf({"convert", eins.string(), kaputt.string(), zwei.string(), (datei("b") / "eins.mid").string(),
+                   "--ausgabe", aus.string(), "--formate", "harfentext,wdb"});
+    EXPECT_EQ(l.code, 3) << l.fehler;
+    EXPECT_TRUE(enthaelt(l.fehler, "kaputt.mid: ")) << l.fehler;
+    EXPECT_TRUE(enthaelt(l.fehler, "\"eins\" schon erzeugt")) << l.fehler;
+    EXPECT_TRUE(enthaelt(l.fehler, "Daten gespeichert!"));
+    EXPECT_TRUE(l.aus.empty());
+    EXPECT_EQ(dateienIn(aus), (std::set<std::string>{"eins.txt", "eins.wdb", "zwei.txt", "zwei.wdb"}));
+    Kern k1(programm, eins, 2), k2(programm, zwei, 1);
+    EXPECT_EQ(lesen(aus / "eins.txt"), k1.text);
+    EXPECT_EQ(lesen(aus / "zwei.txt"), k2.text);
+    const std::string wdb = k1.wdb(datei("kern.wdb"));
+    EXPECT_EQ(lesen(aus / "eins.wdb"), wdb);
+    EXPECT_EQ(wdb.size(), 80896u);
+    // Windows-1252 with CR LF, as the window's text box holds it.
+    EXPECT_TRUE(enthaelt(k1.text, "MIDI-Kan\xE4le, einer\r\n"));
+}
+
+TEST_F(CliTest, OptionenSetzenDieEinstellungenWieDieBedienelemente) {
+    fs::path pfad = midi("lied.mid");
+    Lauf l = lauf({"convert", pfad.string(), "--transpo", "-5", "--quantisierung", "1/8", "--kanal", "1", "--legato",
+                   "--hoechster-ton-melodie", "--punktierte-pausen", "--ohne-pausen-letzter-takt", "--saiten", "25",
+                   "--felder", "10110110", "--harfentext", datei("h.txt").string(), "--klangnoten", "-", "--wdb",
+                   datei("lied.WDB").string()});
     ASSERT_EQ(l.code, 0) << l.fehler;
-    EXPECT_TRUE(enthaelt(l.aus, "Format: 0\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "Tempo: keine Angabe\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "  Spur 1: Track 1 (null) | 6 Ereignisse | "));
-    EXPECT_TRUE(enthaelt(l.aus, "Taktarten: 1 (Takte gezählt nach Spur 1)\n"));
-    EXPECT_TRUE(enthaelt(l.aus, "  1. 4/4 ab Takt 1 (Tick 0)\n"));
-    // 192 ticks of a 384-tick bar count as one whole bar.
-    EXPECT_TRUE(enthaelt(l.aus, "Takte: 1\n"));
 
-    Lauf falsch = lauf({"info", datei.string(), "--spur", "2"});
-    EXPECT_EQ(falsch.code, 2);
-    EXPECT_TRUE(enthaelt(falsch.fehler, "Die Spur 2 gibt es nicht; die Datei hat 1 Spur."));
+    Kern k(programm, pfad, 2, [](CEinstellungen& e) {
+        e.Transpo(-5);
+        e.QuantNotenwert(24);
+        e.KanalBelegung(1);
+        e.Legato(true);
+        e.HoechsterTonMelodie(true);
+        e.PunktiertePausen(true);
+        e.PausenLetzterTakt(false);
+        e.WDBSpaltenAnzahl(25);
+    });
+    // The field boxes are ticked after the load: the text is refreshed without a new conversion.
+    for (int i = 1; i <= 8; ++i)
+        k.programm.Einstellungen().ClipExportFlags()->Item(i)->Value(static_cast<int16_t>("10110110"[i - 1] - '0'));
+    const std::string harfe = utf8ZuCp1252(k.kln().getHarfeEventString());
+    EXPECT_EQ(lesen(datei("h.txt")), harfe);
+    EXPECT_TRUE(enthaelt(harfe, "FeldCheck, 10110110"));
+    EXPECT_EQ(l.aus, utf8ZuCp1252(k.kln().getKlangNotenString()));
+    EXPECT_TRUE(enthaelt(l.aus, "MIDI-Kan\xE4le, E-e=1-6\r\n"));
+    const std::string wdb = k.wdb(datei("kern.wdb"));
+    EXPECT_EQ(lesen(datei("lied.WDB")), wdb);
+    EXPECT_EQ(wdb.size(), 57343u);
 }
 
-TEST_F(KommandozeileTest, EventsListetDieZeilenDesFensters) {
-    fs::path datei = midi("lied.mid", lied());
+// Without an output option the text goes to standard output.
+TEST_F(CliTest, DieUserDatenGeltenWennKeineOptionSieAendert) {
+    fs::path pfad = midi("lied.mid");
+    const std::string ini = "\"Default-Ordner = \",\"C:\\Noten\\\"\r\n"
+                            "\"HoechsterTonMelodie = \",#FALSE#\r\n"
+                            "\"Legato = \",#TRUE#\r\n"
+                            "\"PausenLetzterTakt = \",#TRUE#\r\n"
+                            "\"PunktiertePausen = \",#FALSE#\r\n";
+    schreiben(userDatenPfad(programm), ini);
+    Kern mit(programm, pfad, 2), ohne(programm, pfad, 2, [](CEinstellungen& e) { e.Legato(false); });
+    ASSERT_NE(mit.text, ohne.text);
+    EXPECT_EQ(lauf({"convert", pfad.string()}).aus, mit.text);
+    EXPECT_EQ(lauf({"convert", pfad.string(), "--legato=nein"}).aus, ohne.text);
+    EXPECT_EQ(lesen(userDatenPfad(programm)), ini);  // only read
+}
+
+TEST_F(CliTest, MixErgibtDenTextDerZwischenablageUndWarntBeiPolyphonie) {
+    fs::path pfad = midi("lied.mid");
+    Lauf l = lauf({"mix", pfad.string(), "--spuren", "3,2", "--harfentext", datei("m.txt").string()});
+    ASSERT_EQ(l.code, 0) << l.fehler;
+    Kern k(programm, pfad, 2);
+    for (int spur : {2, 3}) k.programm.Einstellungen().SpurSelected()->Item(spur)->Value(1);
+    k.kln().spurenMischen();
+    EXPECT_EQ(lesen(datei("m.txt")), k.zwischenablage);
+    EXPECT_TRUE(enthaelt(k.zwischenablage, "HarfeEvent-Export :\r\n"));
+    EXPECT_FALSE(enthaelt(l.fehler, "polyphon"));
+
+    MidiBauer b(480);
+    b.spur().tempo(0, 500000).ende();
+    // The warning looks at the last track converted, so the chords are in the last one.
+    b.spur().name("Erste").note(0, 67, 960).ende();
+    b.spur().name("Akkorde").an(0, 1, 60).an(0, 1, 64).aus(480, 1, 60).aus(0, 1, 64).note(0, 62, 480).ende();
+    Lauf poly = lauf({"mix", midi("poly.mid", b).string(), "--spuren", "2,3"});
+    ASSERT_EQ(poly.code, 0) << poly.fehler;
+    EXPECT_TRUE(enthaelt(poly.fehler, "Eine der ausgewählten Spuren ist polyphon!\n"
+                                      "Das Trennen von Stimmen im Listen-Editor in Cantorix führt deshalb\n"
+                                      "möglicherweise nicht zum gewünschten Ergebnis,\n"
+                                      "da nicht jede Stimme (1 zu 1) einer Gitarren-Saite zugeordnet werden konnte."))
+        << poly.fehler;
+    EXPECT_FALSE(poly.aus.empty());
+}
+
+// Info and events report on the file as the core reads it; bars follow the chosen track: the
+// melody and the bass are 5,760 ticks long, the tempo track ends at tick 2,880.
+TEST_F(CliTest, InfoUndEventsZeigenWasDerKernVonDerDateiWeiss) {
+    fs::path pfad = midi("lied.mid");
+    Lauf info = lauf({"info", pfad.string()});
+    ASSERT_EQ(info.code, 0) << info.fehler;
+    for (const char* zeile : {"Format: 1\nTicks pro Viertelnote: 480\nTempo: 120\nSpuren: 3\n",
+                              "  Spur 2: Melodie | 26 Ereignisse | tiefster Ton 60, höchster Ton 67\n",
+                              "  Spur 3: Bass | 10 Ereignisse | tiefster Ton 48, höchster Ton 53\n",
+                              "  2. 6/8 ab Takt 3 (Tick 2880)\nTakte: 4\n"})
+        EXPECT_TRUE(enthaelt(info.aus, zeile)) << info.aus;
+    EXPECT_TRUE(enthaelt(lauf({"info", pfad.string(), "--spur", "1"}).aus, "Takte: 2\n"));
+
+    // Without --spur the preselected second track is listed, row by row as in the window.
+    Lauf l = lauf({"events", pfad.string()});
+    ASSERT_EQ(l.code, 0) << l.fehler;
     Midifile m;
-    m.filename(datei.string());
-    m.Action(5);
-    m.Action(2);
-    m.Action(1);
+    m.ladenAusBytes(lied().bytes(), "lied.mid");
+    auto zeilen = zeilenVon(l.aus);
+    auto erwartet = DisplayTrackZeilen(m, 2);
+    ASSERT_EQ(zeilen.size(), erwartet.size());
+    for (size_t i = 0; i < zeilen.size(); ++i) EXPECT_EQ(zeilen[i].substr(0, zeilen[i].find('\t')), erwartet[i]);
+    // Then time, message, data 1 and 2, the bytes and the event's text; row 3 is the first Note Off.
+    EXPECT_EQ(zeilen[2], "Note Off 80\t360\t128\t60\t64\t80 3C 40\t");
+    EXPECT_EQ(zeilenVon(lauf({"events", pfad.string(), "--spur", "2", "--hex"}).aus).at(2),
+              "Note Off 80\t168\t80\t3C\t40\t80 3C 40\t");
 
-    for (int16_t spur : {1, 2, 3}) {
-        Lauf l = lauf({"events", datei.string(), "--spur", std::to_string(spur)});
-        ASSERT_EQ(l.code, 0) << l.fehler;
-        auto erwartet = DisplayTrackZeilen(m, spur);
-        auto zeilen = zeilenVon(l.aus);
-        ASSERT_EQ(zeilen.size(), erwartet.size());
-        for (size_t i = 0; i < zeilen.size(); ++i) EXPECT_EQ(spalten(zeilen[i])[0], erwartet[i]);
-    }
-
-    Lauf tempo = lauf({"events", datei.string(), "--spur", "1"});
-    auto zeilen = zeilenVon(tempo.aus);
-    ASSERT_EQ(zeilen.size(), 4u);
-    EXPECT_EQ(spalten(zeilen[0])[0], " 0 Tempo 120");
-    EXPECT_EQ(spalten(zeilen[1])[0], " 0 Time Signature 3/4");
-    EXPECT_EQ(spalten(zeilen[2])[0], " 2880 Time Signature 6/8");
-    EXPECT_EQ(spalten(zeilen[3])[0], "Sysex 2F");
-
-    // Without --spur the preselected second track is listed.
-    Lauf vorgewaehlt = lauf({"events", datei.string()});
-    EXPECT_EQ(spalten(zeilenVon(vorgewaehlt.aus).at(0))[0], "Track Name 3 : Melodie");
-}
-
-TEST_F(KommandozeileTest, EventsDetailfelderDezimalOderHexadezimal) {
-    fs::path datei = midi("lied.mid", lied());
-    Lauf dez = lauf({"events", datei.string(), "--spur", "2"});
-    Lauf hex = lauf({"events", datei.string(), "--spur", "2", "--hex"});
-    ASSERT_EQ(dez.code, 0);
-    ASSERT_EQ(hex.code, 0);
-    // Row 3 is the first Note Off: delta 360, status 0x80, note 60, velocity 64.
-    auto d = spalten(zeilenVon(dez.aus).at(2));
-    auto h = spalten(zeilenVon(hex.aus).at(2));
-    ASSERT_EQ(d.size(), 7u);
-    EXPECT_EQ(d[0], "Note Off 80");
-    EXPECT_EQ(h[0], "Note Off 80");
-    EXPECT_EQ((std::vector<std::string>{d[1], d[2], d[3], d[4]}), (std::vector<std::string>{"360", "128", "60", "64"}));
-    EXPECT_EQ((std::vector<std::string>{h[1], h[2], h[3], h[4]}), (std::vector<std::string>{"168", "80", "3C", "40"}));
-    EXPECT_EQ(d[5], "80 3C 40");
-}
-
-TEST_F(KommandozeileTest, EventsZeigtHoechstens500Zeilen) {
     MidiBauer b(480);
     auto& s = b.spur();
     for (int i = 0; i < 600; ++i) s.note(0, 60, 10);
-    s.ende();
-    fs::path datei = midi("lang.mid", b);
-    Lauf l = lauf({"events", datei.string(), "--spur", "1"});
-    ASSERT_EQ(l.code, 0) << l.fehler;
-    EXPECT_EQ(zeilenVon(l.aus).size(), 500u);
+    EXPECT_EQ(zeilenVon(lauf({"events", midi("lang.mid", b).string(), "--spur", "1"}).aus).size(), 500u);
 }
 
-TEST_F(KommandozeileTest, UnlesbareDateienUndFehlendeSpuren) {
-    fs::path kaputt = datei("kaputt.mid");
-    schreiben(kaputt, std::string("MThd\0\0\0\6\0\1\0\1\1\340MTrk\0\0\0\40\0\220", 24));
-    fs::path keinMidi = datei("text.mid");
-    schreiben(keinMidi, "Das ist keine MIDI-Datei.\r\n");
-    fs::path lied_ = midi("lied.mid", lied());
-
-    for (const auto& befehl : {"info", "events", "convert"}) {
-        Lauf fehlt = lauf({befehl, datei("fehlt.mid").string()});
-        EXPECT_EQ(fehlt.code, 3) << befehl;
-        EXPECT_TRUE(enthaelt(fehlt.fehler, "fehlt.mid")) << fehlt.fehler;
-        for (const auto& p : {kaputt, keinMidi, arbeit()}) {
-            Lauf l = lauf({befehl, p.string()});
-            EXPECT_EQ(l.code, 3) << befehl << " " << p;
-            EXPECT_FALSE(l.fehler.empty());
-            EXPECT_TRUE(l.aus.empty());
-        }
+// Exit codes: 2 a wrong call, 3 a file that cannot be read, 4 a conversion that fails, 5 an output
+// that cannot be written. Whatever fails, the text already there stays as it was.
+TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) {
+    const std::string lied_ = midi("lied.mid").string(), h = datei("h.txt").string();
+    schreiben(h, "alt");
+    schreiben(datei("kaputt.mid"), std::string("MThd\0\0\0\6\0\1\0\1\1\340MTrk\0\0\0\40\0\220", 24));
+    MidiBauer b(480);
+    b.spur().name("Eins").note(0, 60, 480).aus(0, 1, 62).ende();  // a note ends that never started
+    const std::string noten = midi("noten.mid", b).string();
+    fs::path gesperrt = datei("gesperrt");
+    fs::create_directories(gesperrt);
+    fs::permissions(gesperrt, fs::perms::owner_read | fs::perms::owner_exec);
+    // Someone who may write anyway (the administrator) gets a plain file in the folder's place.
+    if (std::ofstream(gesperrt / "probe")) {
+        fs::remove_all(gesperrt);
+        schreiben(gesperrt, "eine Datei, kein Ordner");
     }
 
-    // A track that is not there is a wrong call, and nothing gets written.
-    Lauf l = lauf({"convert", lied_.string(), "--spur", "4", "--harfentext", datei("h.txt").string()});
-    EXPECT_EQ(l.code, 2);
-    EXPECT_TRUE(enthaelt(l.fehler, "Die Spur 4 gibt es nicht; die Datei hat 3 Spuren.")) << l.fehler;
-    EXPECT_FALSE(fs::exists(datei("h.txt")));
-    Lauf mix = lauf({"mix", lied_.string(), "--spuren", "2,9", "--harfentext", datei("m.txt").string()});
-    EXPECT_EQ(mix.code, 2);
-    EXPECT_TRUE(enthaelt(mix.fehler, "Die Spur 9 gibt es nicht")) << mix.fehler;
-    EXPECT_FALSE(fs::exists(datei("m.txt")));
+    const std::vector<std::tuple<std::vector<std::string>, int, std::string>> faelle = {
+        {{}, 2, "Kein Befehl"},
+        {{"convert", lied_, "--quantisierung", "1/3"}, 2, "1/2p"},
+        {{"convert", lied_, lied_}, 2, "--ausgabe"},
+        {{"convert", lied_, "--harfentext", "-", "--klangnoten", "-"}, 2, "Standardausgabe"},
+        {{"convert", datei("fehlt.mid").string(), "--harfentext", h}, 3, "fehlt.mid"},
+        {{"info", datei("kaputt.mid").string()}, 3, ""},
+        {{"convert", lied_, "--spur", "4", "--harfentext", h}, 2, "Die Spur 4 gibt es nicht; die Datei hat 3 Spuren."},
+        {{"events", noten, "--spur", "2"}, 2, "Die Spur 2 gibt es nicht; die Datei hat 1 Spur."},
+        {{"mix", lied_, "--spuren", "2,9", "--harfentext", h}, 2, "Die Spur 9 gibt es nicht"},
+        {{"convert", lied_, "--wdb", datei("lied.doc").string(), "--harfentext", h}, 2, "Falsche Dateiendung!"},
+        {{"convert", noten, "--spur", "1", "--harfentext", h}, 4, "MIDI-File ist nicht in Ordnung."},
+        {{"convert", lied_, "--harfentext", (gesperrt / "h.txt").string()}, 5, ""},
+        {{"convert", lied_, "--wdb", (gesperrt / "x.wdb").string()}, 5, ""},
+        {{"convert", lied_, "--ausgabe", (gesperrt / "unter").string()}, 5, ""},
+    };
+    for (const auto& [args, code, meldung] : faelle) {
+        Lauf l = lauf(args);
+        SCOPED_TRACE(::testing::PrintToString(args));
+        EXPECT_EQ(l.code, code) << l.fehler;
+        EXPECT_FALSE(l.fehler.empty());
+        EXPECT_TRUE(enthaelt(l.fehler, meldung)) << l.fehler;
+        EXPECT_TRUE(l.aus.empty());
+    }
+    EXPECT_EQ(lesen(h), "alt");
+    EXPECT_FALSE(fs::exists(datei("lied.doc")));
+    EXPECT_TRUE(!fs::is_directory(gesperrt) || fs::is_empty(gesperrt));
 }
 
 } // namespace
