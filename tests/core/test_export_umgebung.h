@@ -1,9 +1,12 @@
 #pragma once
-// A program without a window for the export tests: records messages and texts, answers the save
-// dialog with a prepared name, and builds notes, rests and chords by hand.
+// A program without a window for the export and template tests: records messages and texts,
+// answers the save dialog with a prepared name, and builds notes, rests and chords by hand.
 #include "app/core/CProgramm.h"
+#include "export/CWDBCreator.h"
+#include "model/Datei.h"
 #include "support/TestOrdner.h"
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,8 +14,7 @@
 
 namespace lyrabo::test {
 
-class ExportForm : public IForm {
-public:
+struct ExportForm : IForm {
     void meldung(const std::string& text) override { meldungen.push_back(text); }
     int16_t ausgewaehlteSpurZeile() const override { return zeile; }
     void DisplayTrack(int16_t spur) override { angezeigteSpuren.push_back(spur); }
@@ -20,7 +22,6 @@ public:
         klangNotenText = text;
         ++textGesetzt;
     }
-
     int16_t zeile = -1;
     std::vector<std::string> meldungen;
     std::vector<int16_t> angezeigteSpuren;
@@ -28,19 +29,16 @@ public:
     int textGesetzt = 0;
 };
 
-class ExportDialog : public IDialog {
-public:
+struct ExportDialog : IDialog {
     std::optional<std::string> oeffnen(const std::string&, const std::string&) override { return std::nullopt; }
     std::optional<std::string> speichern(const std::string& f, int fl) override {
         filter = f;
         flags = fl;
-        ++aufrufe;
         return antwort;
     }
     std::optional<std::string> antwort;
     std::string filter;
     int flags = 0;
-    int aufrufe = 0;
 };
 
 struct ExportUmgebung {
@@ -48,21 +46,26 @@ struct ExportUmgebung {
     ExportForm form;
     ExportDialog dialog;
     CProgramm programm{ordner.pfad(), form, &dialog};
+    std::filesystem::path ini = ordner / "ini";
+    AkkordeRef akkorde = neueSammlung<CAkkord>();
+    PausenRef pausen = neueSammlung<CKlangPause>();
 
     ExportUmgebung() { programm.initGlobals(); }
     CEinstellungen& e() { return programm.Einstellungen(); }
-
-    void taktLaengen(std::initializer_list<int16_t> laengen) {
-        e().initTaktLaengen();
-        for (int16_t l : laengen) {
-            auto i = std::make_shared<CInteger>();
-            i->ID(static_cast<int16_t>(e().MFITaktLaengen()->Count() + 1));
-            i->Value(l);
-            e().MFITaktLaengen()->Add(i);
-        }
+    void mitVorlagen() {
+        std::filesystem::copy(std::filesystem::path(LYRABO_SOURCE_DIR) / "ini", ini, std::filesystem::copy_options::recursive);
     }
     void flags(const std::string& achtZiffern) {
         for (int i = 0; i < 8; ++i) e().ClipExportFlags()->Item(i + 1)->Value(achtZiffern[i] == '1' ? 1 : 0);
+    }
+    // The database writer on this program's chords and rests, talking to this form and dialog.
+    CWDBCreator& schreiber() {
+        auto& w = programm.WDBCreator();
+        w.Akkorde(akkorde);
+        w.Pausen(pausen);
+        w.Form(&form);
+        w.Dialog(&dialog);
+        return w;
     }
 };
 
@@ -71,7 +74,6 @@ inline std::shared_ptr<CKlangNote> note(int16_t ton, int32_t laenge, int32_t sta
     auto n = std::make_shared<CKlangNote>();
     n->TonHoehe(ton);
     n->Laenge(laenge);
-    n->LaengeOrig(laenge);
     n->StartZeit(start);
     n->AkkordNr(akkordNr);
     n->MsgText(text);
@@ -79,7 +81,7 @@ inline std::shared_ptr<CKlangNote> note(int16_t ton, int32_t laenge, int32_t sta
     return n;
 }
 
-inline std::shared_ptr<CKlangPause> pause(int16_t akkordNr, int16_t ton, int32_t laenge, int32_t start) {
+inline std::shared_ptr<CKlangPause> pause(int16_t akkordNr, int16_t ton, int32_t laenge, int32_t start = 0) {
     auto p = std::make_shared<CKlangPause>();
     p->AkkordNr(akkordNr);
     p->TonHoehe(ton);
@@ -94,16 +96,13 @@ inline SammlungRef<CKlangNote> akkord(std::initializer_list<std::shared_ptr<CKla
     return a;
 }
 
-// A harp event as a short comparable text: Art/AkkordNr/TonHoehe/Laenge/StartZeit/Spur/MsgText.
-inline std::string kurz(const CHarfeEvent& ev) {
-    return std::to_string(ev.Art()) + "/" + std::to_string(ev.AkkordNr()) + "/" + std::to_string(ev.TonHoehe()) + "/" +
-           std::to_string(ev.Laenge()) + "/" + std::to_string(ev.StartZeit()) + "/" + std::to_string(ev.Spur()) + "/" +
-           ev.MsgText();
-}
-
+// The harp events as short comparable texts: Art/AkkordNr/TonHoehe/Laenge/StartZeit/Spur/MsgText.
 inline std::vector<std::string> kurz(const Sammlung<CHarfeEvent>& events) {
     std::vector<std::string> v;
-    for (const auto& ev : events) v.push_back(kurz(*ev));
+    for (const auto& ev : events)
+        v.push_back(std::to_string(ev->Art()) + "/" + std::to_string(ev->AkkordNr()) + "/" + std::to_string(ev->TonHoehe()) +
+                    "/" + std::to_string(ev->Laenge()) + "/" + std::to_string(ev->StartZeit()) + "/" +
+                    std::to_string(ev->Spur()) + "/" + ev->MsgText());
     return v;
 }
 

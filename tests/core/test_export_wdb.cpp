@@ -1,13 +1,12 @@
 // The Works database writer on a small program folder of its own: the patched grid cell by cell,
-// the splicing of the final file, the save dialog and what happens when pieces are missing.
-#include "export/CWDBCreator.h"
-#include "model/Datei.h"
+// the splicing of the final file, the save dialog, failures, and the harp events with their two
+// melody rules.
 #include "test_export_umgebung.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
+#include <tuple>
 
 using namespace lyrabo;
 using namespace lyrabo::test;
@@ -32,41 +31,32 @@ std::string leeresRaster(int zellen, const std::string& schluss = "SCHLUSS") {
     return s + schluss;
 }
 
+// Template pieces of distinct patterns and the given blank grid.
 struct WdbOrdner : ExportUmgebung {
-    SammlungRef<CAkkord> akkorde = neueSammlung<CAkkord>();
-    SammlungRef<CKlangPause> pausen = neueSammlung<CKlangPause>();
-    fs::path ini = ordner / "ini";
-
-    explicit WdbOrdner(int16_t saiten) {
+    std::string leer;
+    WdbOrdner(int16_t saiten, std::string raster) : leer(std::move(raster)) {
         fs::create_directories(ini);
         e().WDBSpaltenAnzahl(saiten);
         e().TicksPerQuarterNote(480);
-        if (saiten == 25) {
-            vorlage("Header_25.ini", muster(3682, 1));
-            vorlage("Schriften_25.ini", muster(4096, 2));
-            vorlage("Footer_25.ini", muster(566, 3));
-        } else {
-            vorlage("Header_37.ini", muster(5627, 4));
-            vorlage("Schriften_37.ini", muster(4096, 5));
-            vorlage("Break01_37.ini", muster(512, 6));
-            vorlage("Footer_37.ini", muster(731, 7));
-        }
-        auto& w = programm.WDBCreator();
-        w.Akkorde(akkorde);
-        w.Pausen(pausen);
+        const std::string n = "_" + std::to_string(saiten) + ".ini";
+        using Stueck = std::tuple<const char*, size_t, uint8_t>;
+        const auto stuecke = saiten == 25 ? std::vector<Stueck>{{"Header", 3682, 1}, {"Schriften", 4096, 2}, {"Footer", 566, 3}}
+                                          : std::vector<Stueck>{{"Header", 5627, 4}, {"Schriften", 4096, 5},
+                                                                {"Break01", 512, 6}, {"Footer", 731, 7}};
+        for (const auto& [name, groesse, start] : stuecke) dateiErsetzen(ini / (name + n), muster(groesse, start));
+        dateiErsetzen(ini / ("FelderAll" + n), leer);
     }
-    void vorlage(const std::string& name, const std::string& bytes) { dateiErsetzen(ini / name, bytes); }
-    std::string lesen(const std::string& name) { return dateiLesen(ini / name); }
-    void schreiben(const fs::path& ziel) { programm.WDBCreator().write_WDB(ziel.string()); }
+    std::string temp() { return dateiLesen(ini / ("FelderAllTemp_" + std::to_string(e().WDBSpaltenAnzahl()) + ".ini")); }
+    void schreiben(const std::string& name = "lied.wdb") { schreiber().write_WDB((ordner / name).string()); }
+    void speichern(const fs::path& ziel) {
+        dialog.antwort = ziel.string();
+        schreiber().saveDialog_WDB();
+    }
 };
 
-// Expected grid: the blank one with the three text bytes of the given cells replaced.
-struct Zelle {
-    int zeile, spalte;
-    std::string text;
-};
-std::string gepatcht(std::string raster, int saiten, std::initializer_list<Zelle> zellen) {
-    for (const auto& z : zellen) raster.replace(static_cast<size_t>(((z.zeile - 1) * saiten + z.spalte - 1) * 14 + 11), 3, z.text);
+// Expected grid: the blank one with the three text bytes of the given cells (row, column) replaced.
+std::string gepatcht(std::string raster, int saiten, std::initializer_list<std::tuple<int, int, std::string>> zellen) {
+    for (const auto& [zeile, spalte, text] : zellen) raster.replace(static_cast<size_t>(((zeile - 1) * saiten + spalte - 1) * 14 + 11), 3, text);
     return raster;
 }
 
@@ -75,201 +65,170 @@ const std::string kViertel{'b', 0, 0}, kAchtel{'n', 0, 0}, kPunktViertel{'b', ',
 } // namespace
 
 TEST(WDBRaster, ZellenSpaltenUndNotenwahlWieGeschrieben) {
-    WdbOrdner w(25);
-    const std::string leer = leeresRaster(4 * 25);
-    w.vorlage("FelderAll_25.ini", leer);
-    // Leading rest on column 3 (57 - 54).
-    w.pausen->Add(pause(0, 57, 480, 0));
+    WdbOrdner w(25, leeresRaster(4 * 25));
+    w.pausen->Add(pause(0, 57, 480, 0)); // leading rest on column 3 (57 - 54)
     // Stored 64, 60, 67: the counted pick finds the lowest each time: columns 6, 10, 13.
     w.akkorde->Add(akkord({note(64, 240, 480, 1), note(60, 720, 480, 1), note(67, 240, 480, 1)}));
     // Stored 62, 67, 59: the count of improvements is 2, so the 67 comes first (column 13); the
     // lower notes then land in the next free cells 14 and 15.
     w.akkorde->Add(akkord({note(62, 480, 1200, 2), note(67, 480, 1200, 2), note(59, 480, 1200, 2)}));
     w.pausen->Add(pause(1, 67, 480, 720)); // harp event only, no row
-
-    w.schreiben(w.ordner / "lied.wdb");
-
-    EXPECT_EQ(w.lesen("FelderAllTemp_25.ini"),
-              gepatcht(leer, 25, {{1, 3, kViertelPause}, {2, 6, kPunktViertel}, {2, 10, kAchtel}, {2, 13, kAchtel},
-                                  {3, 13, kViertel}, {3, 14, kViertel}, {3, 15, kViertel}}));
+    w.schreiben();
+    EXPECT_EQ(w.temp(), gepatcht(w.leer, 25, {{1, 3, kViertelPause}, {2, 6, kPunktViertel}, {2, 10, kAchtel},
+                                                  {2, 13, kAchtel}, {3, 13, kViertel}, {3, 14, kViertel}, {3, 15, kViertel}}));
     EXPECT_EQ(kurz(*w.programm.HarfeEvents),
               (std::vector<std::string>{"3/0/57/480/0/0/", "1/1/60/720/480/0/", "1/1/64/240/480/0/", "1/1/67/240/480/0/",
                                         "3/1/67/480/720/0/", "1/2/67/480/1200/0/", "1/2/59/480/1200/0/",
                                         "1/2/62/480/1200/0/"}));
-    // Writing consumes the chords.
-    for (const auto& a : *w.akkorde) EXPECT_EQ(a->Count(), 0);
+    for (const auto& a : *w.akkorde) EXPECT_EQ(a->Count(), 0); // writing consumes the chords
 }
 
 TEST(WDBRaster, TranspositionVerschiebtDieSpalten) {
-    WdbOrdner w(37);
-    const std::string leer = leeresRaster(2 * 37);
-    w.vorlage("FelderAll_37.ini", leer);
+    WdbOrdner w(37, leeresRaster(2 * 37));
     w.e().Transpo(12);
     w.e().TicksPerQuarterNote(96); // factor 2: 192 ticks are a half note ("96"), 24 a sixteenth ("12")
     w.akkorde->Add(akkord({note(43, 192, 0, 1), note(79, 24, 0, 1)}));
-    w.schreiben(w.ordner / "lied.wdb");
-    EXPECT_TRUE(w.lesen("FelderAllTemp_37.ini") ==
-                gepatcht(leer, 37, {{1, 1, std::string{'v', 0, 0}}, {1, 37, std::string{'m', 0, 0}}}));
-}
-
-TEST(WDBDatei, FuenfundzwanzigSaitenOhneLetztesKopfbyte) {
-    WdbOrdner w(25);
-    const std::string leer = muster(49000, 9);
-    w.vorlage("FelderAll_25.ini", leer);
-    w.schreiben(w.ordner / "lied.wdb");
-    std::string erwartet = muster(3682, 1).substr(0, 3681) + leer.substr(0, 2462) + muster(4096, 2) + leer.substr(2462) +
-                           muster(566, 3);
-    ASSERT_EQ(erwartet.size(), 57343u);
-    EXPECT_TRUE(dateiLesen(w.ordner / "lied.wdb") == erwartet);
-    // The patched grid stays beside the templates.
-    EXPECT_TRUE(w.lesen("FelderAllTemp_25.ini") == leer);
-}
-
-TEST(WDBDatei, SiebenunddreissigSaitenGanzerKopf) {
-    WdbOrdner w(37);
-    std::string leer = muster(69930, 11);
-    w.vorlage("FelderAll_37.ini", leer);
-    w.akkorde->Add(akkord({note(55, 480, 0, 1)})); // column 1 of row 1, a cell of the first stretch
-    w.schreiben(w.ordner / "lied.wdb");
-    std::string raster = leer;
-    raster.replace(11, 3, kViertel);
-    std::string erwartet = muster(5627, 4) + raster.substr(0, 517) + muster(4096, 5) + raster.substr(517, 55808) +
-                           muster(512, 6) + raster.substr(517 + 55808) + muster(731, 7);
-    ASSERT_EQ(erwartet.size(), 80896u);
-    EXPECT_TRUE(dateiLesen(w.ordner / "lied.wdb") == erwartet);
+    w.schreiben();
+    EXPECT_TRUE(w.temp() == gepatcht(w.leer, 37, {{1, 1, std::string{'v', 0, 0}}, {1, 37, std::string{'m', 0, 0}}}));
 }
 
 TEST(WDBDatei, MehrZeilenAlsDasRasterHatUndZuKurzeStuecke) {
-    WdbOrdner w(25);
-    const std::string leer = leeresRaster(2 * 25, "");
-    w.vorlage("FelderAll_25.ini", leer);
-    w.vorlage("Footer_25.ini", "kurz");
+    WdbOrdner w(25, leeresRaster(2 * 25, ""));
+    dateiErsetzen(w.ini / "Footer_25.ini", "kurz");
     for (int i = 1; i <= 3; ++i) w.akkorde->Add(akkord({note(55, 480, i * 480, static_cast<int16_t>(i))}));
-    w.schreiben(w.ordner / "lied.wdb");
+    w.schreiben();
     // The third row is read past the end of the blank grid: zeros, with the note's text bytes.
-    std::string raster = gepatcht(leer, 25, {{1, 1, kViertel}, {2, 1, kViertel}});
+    std::string raster = gepatcht(w.leer, 25, {{1, 1, kViertel}, {2, 1, kViertel}});
     raster += std::string(11, '\0') + kViertel + std::string(24 * 14, '\0');
-    EXPECT_EQ(w.lesen("FelderAllTemp_25.ini"), raster);
-    // The file still has the fixed size; what the pieces lack is zeros.
+    EXPECT_EQ(w.temp(), raster);
+    // The file still has the fixed size (the 25-string header without its last byte); what the pieces lack is zeros.
     std::string datei = dateiLesen(w.ordner / "lied.wdb");
     ASSERT_EQ(datei.size(), 57343u);
+    EXPECT_EQ(datei.substr(0, 3681), muster(3682, 1).substr(0, 3681));
     EXPECT_EQ(datei.substr(3681, raster.size()), raster);
     EXPECT_EQ(datei.substr(3681 + raster.size(), 2462 - raster.size()), std::string(2462 - raster.size(), '\0'));
     EXPECT_EQ(datei.substr(57343 - 566), std::string("kurz") + std::string(562, '\0'));
 }
 
-TEST(WDBDatei, AndereSaitenzahlSchreibtKeineDatei) {
-    WdbOrdner w(30);
-    w.vorlage("FelderAll_30.ini", leeresRaster(30));
+TEST(WDBDatei, FehlerLassenDieAlteDateiStehen) {
+    WdbOrdner w(25, leeresRaster(25));
+    const fs::path ziel = w.ordner / "lied.wdb";
+    dateiErsetzen(ziel, "alte Datenbank");
+    // Each failure names its cause, and neither the old file nor a stray temporary is touched.
+    auto scheitert = [&](const std::string& genannt, bool dateiFehler) {
+        try {
+            w.schreiben();
+            ADD_FAILURE() << "keine Meldung";
+        } catch (const Fehler& f) {
+            EXPECT_TRUE(!dateiFehler || dynamic_cast<const DateiFehler*>(&f)) << f.what();
+            EXPECT_NE(std::string(f.what()).find(genannt), std::string::npos) << f.what();
+        }
+        EXPECT_EQ(dateiLesen(ziel), "alte Datenbank");
+        for (const auto& eintrag : fs::directory_iterator(w.ordner.pfad()))
+            EXPECT_EQ(eintrag.path().filename().string().find(".tmp"), std::string::npos) << eintrag.path();
+    };
+    w.akkorde->Add(akkord({note(60, 250, 0, 1)})); // a length without note character (250 ticks / 10)
+    scheitert("250", false);
+    fs::remove(w.ini / "Schriften_25.ini");
+    w.akkorde->Add(akkord({note(60, 240, 0, 1)}));
+    scheitert("Schriften_25.ini", true);
+    fs::remove(w.ini / "FelderAll_25.ini");
+    scheitert("FelderAll_25.ini", true);
+}
+
+TEST(WDBDialog, AbbruchEndungErfolgUndFehlschlag) {
+    WdbOrdner w(25, leeresRaster(25));
+    w.schreiber().saveDialog_WDB(); // cancelled
+    EXPECT_EQ(w.dialog.filter, "MS-Works-Datenbank  (*.wdb)|*.wdb");
+    EXPECT_EQ(w.dialog.flags, 2);
+    for (const char* falsch : {"lied.txt", "lied.wdbx", "db", ""}) w.speichern(w.ordner / falsch);
+    // Only the last three characters count, in any case.
+    for (const char* gut : {"a.WdB", "ohnePunktwdb"}) {
+        w.akkorde->Add(akkord({note(60, 480, 0, 1)}));
+        w.speichern(w.ordner / gut);
+        EXPECT_EQ(dateiLesen(w.ordner / gut).size(), 57343u) << gut;
+    }
+    for (const char* falsch : {"lied.txt", "lied.wdbx", "db"}) EXPECT_FALSE(fs::exists(w.ordner / falsch)) << falsch;
+    w.speichern(w.ordner / "gibt-es-nicht" / "lied.wdb");
+    ASSERT_EQ(w.form.meldungen.size(), 8u);
+    EXPECT_EQ(std::vector<std::string>(w.form.meldungen.begin(), w.form.meldungen.begin() + 7),
+              (std::vector<std::string>{"Daten nicht gespeichert!", "Falsche Dateiendung!", "Falsche Dateiendung!",
+                                        "Falsche Dateiendung!", "Falsche Dateiendung!", "Daten gespeichert!",
+                                        "Daten gespeichert!"}));
+    // A failed write is reported with the file's name, never as saved.
+    EXPECT_NE(w.form.meldungen[7].find("lied.wdb"), std::string::npos) << w.form.meldungen[7];
+    EXPECT_NE(w.form.meldungen[7], "Daten gespeichert!");
+}
+
+TEST(WDBDialog, AndereSaitenzahlSchreibtKeineDateiMeldetAberGespeichert) {
+    WdbOrdner w(30, leeresRaster(30));
     w.akkorde->Add(akkord({note(60, 480, 0, 1)}));
-    w.programm.WDBCreator().Form(&w.form);
-    w.programm.WDBCreator().Dialog(&w.dialog);
-    w.dialog.antwort = (w.ordner / "lied.wdb").string();
-    w.programm.WDBCreator().saveDialog_WDB();
+    w.speichern(w.ordner / "lied.wdb");
     EXPECT_FALSE(fs::exists(w.ordner / "lied.wdb"));
     EXPECT_TRUE(fs::exists(w.ini / "FelderAllTemp_30.ini"));
     EXPECT_EQ(w.form.meldungen, std::vector<std::string>{"Daten gespeichert!"});
 }
 
-TEST(WDBDatei, FehlerLassenDieAlteDateiStehen) {
-    WdbOrdner w(25);
-    w.vorlage("FelderAll_25.ini", leeresRaster(25));
-    const fs::path ziel = w.ordner / "lied.wdb";
-    dateiErsetzen(ziel, "alte Datenbank");
-    auto zielUnveraendert = [&] {
-        EXPECT_EQ(dateiLesen(ziel), "alte Datenbank");
-        for (const auto& eintrag : fs::directory_iterator(w.ordner.pfad()))
-            EXPECT_EQ(eintrag.path().filename().string().find(".tmp"), std::string::npos) << eintrag.path();
-    };
-
-    // A length that has no note character (250 ticks / 10) names the length.
-    w.akkorde->Add(akkord({note(60, 250, 0, 1)}));
-    try {
-        w.schreiben(ziel);
-        ADD_FAILURE() << "keine Meldung";
-    } catch (const Fehler& f) {
-        EXPECT_NE(std::string(f.what()).find("250"), std::string::npos) << f.what();
-    }
-    zielUnveraendert();
-
-    // A missing template piece names the file.
-    fs::remove(w.ini / "Schriften_25.ini");
-    w.akkorde->Add(akkord({note(60, 240, 0, 1)}));
-    try {
-        w.schreiben(ziel);
-        ADD_FAILURE() << "keine Meldung";
-    } catch (const DateiFehler& f) {
-        EXPECT_NE(std::string(f.what()).find("Schriften_25.ini"), std::string::npos) << f.what();
-    }
-    zielUnveraendert();
-
-    // So does a missing blank grid.
-    fs::remove(w.ini / "FelderAll_25.ini");
-    try {
-        w.schreiben(ziel);
-        ADD_FAILURE() << "keine Meldung";
-    } catch (const DateiFehler& f) {
-        EXPECT_NE(std::string(f.what()).find("FelderAll_25.ini"), std::string::npos) << f.what();
-    }
-    zielUnveraendert();
+TEST(ExportSammlung, HoechsterTonMelodieAnNimmtAlleNotenTiefsteZuerst) {
+    ExportUmgebung s;
+    s.e().HoechsterTonMelodie(true);
+    s.e().Transpo(2);
+    // Stored order 64, 60, 67, 60: the true position of the lowest, the first of equal ones first.
+    auto a = akkord({note(64, 480, 0, 1, "a", 2), note(60, 480, 0, 1, "b", 3), note(67, 960, 0, 1, "", 2),
+                     note(60, 240, 0, 1, "d", 4)});
+    s.akkorde->Add(a);
+    s.schreiber().write_ExportColl();
+    EXPECT_EQ(kurz(*s.programm.HarfeEvents), (std::vector<std::string>{"1/1/62/480/0/3/b", "1/1/62/240/0/4/d",
+                                                                       "1/1/66/480/0/2/a", "1/1/69/960/0/2/"}));
+    EXPECT_EQ(a->Count(), 0);
 }
 
-TEST(WDBDialog, AbbruchEndungUndErfolg) {
-    WdbOrdner w(25);
-    w.vorlage("FelderAll_25.ini", leeresRaster(25));
-    auto& writer = w.programm.WDBCreator();
-    writer.Form(&w.form);
-    writer.Dialog(&w.dialog);
-
-    writer.saveDialog_WDB(); // cancelled
-    EXPECT_EQ(w.dialog.filter, "MS-Works-Datenbank  (*.wdb)|*.wdb");
-    EXPECT_EQ(w.dialog.flags, 2);
-
-    for (const char* falsch : {"lied.txt", "lied.wdbx", "db", ""}) {
-        w.dialog.antwort = (w.ordner / falsch).string();
-        writer.saveDialog_WDB();
-    }
-
-    // Only the last three characters count, in any case.
-    for (const char* gut : {"a.WdB", "ohnePunktwdb"}) {
-        w.akkorde->Add(akkord({note(60, 480, 0, 1)}));
-        w.dialog.antwort = (w.ordner / gut).string();
-        writer.saveDialog_WDB();
-        EXPECT_EQ(dateiLesen(w.ordner / gut).size(), 57343u) << gut;
-    }
-    EXPECT_EQ(w.form.meldungen, (std::vector<std::string>{"Daten nicht gespeichert!", "Falsche Dateiendung!",
-                                                          "Falsche Dateiendung!", "Falsche Dateiendung!",
-                                                          "Falsche Dateiendung!", "Daten gespeichert!",
-                                                          "Daten gespeichert!"}));
-    for (const char* falsch : {"lied.txt", "lied.wdbx", "db"}) EXPECT_FALSE(fs::exists(w.ordner / falsch)) << falsch;
+TEST(ExportSammlung, HoechsterTonMelodieAusNimmtEineNoteJeAkkord) {
+    ExportUmgebung s;
+    // The longest note wins; the first of the longest is the candidate.
+    auto laengste = akkord({note(64, 480, 0, 1), note(60, 480, 0, 1), note(67, 960, 0, 1)});
+    // Equally long: every note lower than the candidate (64) becomes the pick, the last one wins,
+    // so 62 rather than the lower 60.
+    auto gleichLang = akkord({note(64, 480, 480, 2), note(60, 480, 480, 2), note(62, 480, 480, 2), note(59, 240, 480, 2)});
+    // No note longer than 0: the first note is the candidate, lower notes of length 0 still win.
+    auto ohneLaenge = akkord({note(64, 0, 960, 3), note(60, 0, 960, 3), note(67, 0, 960, 3)});
+    for (const auto& a : {laengste, gleichLang, ohneLaenge, akkord({note(70, 240, 1200, 4, "la", 1)})}) s.akkorde->Add(a);
+    s.akkorde->Add(neueSammlung<CKlangNote>()); // an empty chord gives no event
+    s.schreiber().write_ExportColl();
+    EXPECT_EQ(kurz(*s.programm.HarfeEvents), (std::vector<std::string>{"1/1/67/960/0/0/", "1/2/62/480/480/0/",
+                                                                       "1/3/60/0/960/0/", "1/4/70/240/1200/1/la"}));
+    // Only the picked note leaves its chord.
+    EXPECT_EQ(laengste->Count(), 2);
+    EXPECT_EQ(gleichLang->Count(), 3);
+    EXPECT_EQ(gleichLang->Item(3)->TonHoehe(), 59);
+    EXPECT_EQ(ohneLaenge->Count(), 2);
 }
 
-TEST(WDBDialog, FehlschlagWirdGemeldetNichtAlsGespeichert) {
-    WdbOrdner w(37);
-    auto& writer = w.programm.WDBCreator();
-    writer.Form(&w.form);
-    writer.Dialog(&w.dialog);
-    w.vorlage("FelderAll_37.ini", leeresRaster(37));
-    w.dialog.antwort = (w.ordner / "gibt-es-nicht" / "lied.wdb").string();
-    writer.saveDialog_WDB();
-    ASSERT_EQ(w.form.meldungen.size(), 1u);
-    EXPECT_NE(w.form.meldungen[0].find("lied.wdb"), std::string::npos) << w.form.meldungen[0];
-    EXPECT_NE(w.form.meldungen[0], "Daten gespeichert!");
-}
-
-// With the shipped pieces and no note placed, the written database is the template Works file
-// itself: byte for byte for 37 strings, without header byte 3681 for 25.
-TEST(WDBDatei, MitDenMitgeliefertenStueckenEntstehtDieVorlage) {
-    for (int16_t saiten : {int16_t{25}, int16_t{37}}) {
-        ExportUmgebung u;
-        fs::copy(fs::path(LYRABO_SOURCE_DIR) / "ini", u.ordner / "ini", fs::copy_options::recursive);
-        u.e().WDBSpaltenAnzahl(saiten);
-        auto& writer = u.programm.WDBCreator();
-        writer.Akkorde(neueSammlung<CAkkord>());
-        writer.Pausen(neueSammlung<CKlangPause>());
-        writer.write_WDB((u.ordner / "leer.wdb").string());
-        std::string vorlage = dateiLesen(u.ordner / "ini" / ("wdb_" + std::to_string(saiten) + ".ini"));
-        if (saiten == 25) vorlage.erase(3681, 1);
-        EXPECT_TRUE(dateiLesen(u.ordner / "leer.wdb") == vorlage) << saiten;
-    }
+TEST(ExportSammlung, PausenTragenAkkordTextUndSpurJederLaufBeginntVonVorn) {
+    ExportUmgebung s;
+    s.e().Transpo(-3);
+    s.akkorde->Add(akkord({note(62, 480, 480, 1, "la", 2)}));
+    s.akkorde->Add(akkord({note(64, 480, 1440, 2, "", 1)}));
+    s.akkorde->Add(akkord({note(65, 480, 2400, 3, "lu", 3)}));
+    s.pausen->Add(pause(0, 60, 480, 0));    // leading rest
+    s.pausen->Add(pause(0, 60, 240, 240));  // a second rest before the first chord: passed over
+    s.pausen->Add(pause(1, 62, 480, 960));
+    s.pausen->Add(pause(1, 62, 240, 1200));
+    s.pausen->Add(pause(3, 65, 480, 2880)); // waits for chord 3
+    s.schreiber().write_ExportColl();
+    EXPECT_EQ(kurz(*s.programm.HarfeEvents),
+              (std::vector<std::string>{"3/0/57/480/0/0/", "1/1/59/480/480/2/la", "3/1/59/480/960/2/la",
+                                        "3/1/59/240/1200/2/la", "1/2/61/480/1440/1/", "1/3/62/480/2400/3/lu",
+                                        "3/3/62/480/2880/3/lu"}));
+    // A new run starts with chord 0, no text and track 0, and an empty list. Without a leading rest
+    // the first rest after a chord still belongs to it, found by the chord's running number.
+    s.e().Transpo(0);
+    s.akkorde = neueSammlung<CAkkord>();
+    s.pausen = neueSammlung<CKlangPause>();
+    s.akkorde->Add(neueSammlung<CKlangNote>());
+    s.pausen->Add(pause(1, 50, 480, 0));
+    s.schreiber().write_ExportColl();
+    EXPECT_EQ(kurz(*s.programm.HarfeEvents), (std::vector<std::string>{"3/0/50/480/0/0/"}));
+    s.akkorde->Add(akkord({note(60, 40000, 0, 1)}));
+    EXPECT_THROW(s.schreiber().write_ExportColl(), UeberlaufFehler);
 }

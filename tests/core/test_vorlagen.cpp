@@ -1,29 +1,15 @@
 // Cutting the template database into its pieces and blank grid.
-#include "app/core/CProgramm.h"
-#include "export/CWDBCreator.h"
-#include "model/Datei.h"
-#include "model/Fehler.h"
-#include "support/TestOrdner.h"
+#include "test_export_umgebung.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
-#include <utility>
-#include <vector>
 
 using namespace lyrabo;
-using lyrabo::test::TestOrdner;
+using namespace lyrabo::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-class StilleForm : public IForm {
-public:
-    void meldung(const std::string& text) override { meldungen.push_back(text); }
-    int16_t ausgewaehlteSpurZeile() const override { return -1; }
-    std::vector<std::string> meldungen;
-};
 
 // A template whose every byte tells its offset apart from its neighbours'.
 std::string musterVorlage(size_t laenge) {
@@ -32,128 +18,88 @@ std::string musterVorlage(size_t laenge) {
     return s;
 }
 
-struct Umgebung {
-    TestOrdner ordner;
-    StilleForm form;
-    CProgramm programm{ordner.pfad(), form};
-    Umgebung() {
-        fs::create_directories(ordner.pfad() / "ini");
-        programm.initGlobals();
+struct Vorlagen : ExportUmgebung {
+    Vorlagen() { fs::create_directories(ini); }
+    std::string lesen(const std::string& name) const { return dateiLesen(ini / name); }
+    void schneiden(int16_t saiten, int16_t befehl) {
+        e().WDBSpaltenAnzahl(saiten);
+        if (befehl == 25) programm.WDBCreator().writeINIDateien25();
+        else programm.WDBCreator().writeINIDateien37();
     }
-    fs::path ini(const std::string& name) const { return ordner.pfad() / "ini" / name; }
-    std::string lesen(const std::string& name) const { return dateiLesen(ini(name)); }
-    size_t anzahlDateien() const {
-        size_t n = 0;
-        for ([[maybe_unused]] const auto& e : fs::directory_iterator(ordner.pfad() / "ini")) ++n;
-        return n;
-    }
+    long dateien() const { return std::distance(fs::directory_iterator(ini), fs::directory_iterator()); }
 };
-
-using Abschnitte = std::vector<std::pair<std::string, std::pair<size_t, size_t>>>;
-
-void pruefeAbschnitte(const Umgebung& u, const std::string& vorlage, const Abschnitte& abschnitte,
-                      const std::string& felderAll, const std::vector<size_t>& felder) {
-    std::string raster;
-    for (size_t k = 0; k < abschnitte.size(); ++k) {
-        const auto& [name, grenzen] = abschnitte[k];
-        std::string erwartet = vorlage.substr(grenzen.first, grenzen.second - grenzen.first + 1);
-        EXPECT_EQ(u.lesen(name), erwartet) << name;
-        for (size_t f : felder)
-            if (f == k) raster += erwartet;
-    }
-    EXPECT_EQ(u.lesen(felderAll), raster);
-}
 
 } // namespace
 
-TEST(VorlagenSchnitt, Saiten25SchneidetAnDenFestenGrenzen) {
-    Umgebung u;
-    const std::string vorlage = musterVorlage(57344);
-    dateiErsetzen(u.ini("wdb_25.ini"), vorlage);
-    u.programm.Einstellungen().WDBSpaltenAnzahl(25);
-    u.programm.WDBCreator().writeINIDateien25();
-    pruefeAbschnitte(u, vorlage,
-                     {{"Header_25.ini", {0, 3681}},
-                      {"Felder01_25.ini", {3682, 6143}},
-                      {"Schriften_25.ini", {6144, 10239}},
-                      {"Felder02_25.ini", {10240, 56777}},
-                      {"Footer_25.ini", {56778, 57343}}},
-                     "FelderAll_25.ini", {1, 3});
-    EXPECT_EQ(u.lesen("FelderAll_25.ini").size(), 49000u);
-    EXPECT_EQ(u.anzahlDateien(), 7u);  // the template and six pieces, nothing else
-    EXPECT_TRUE(u.form.meldungen.empty());
-}
-
-TEST(VorlagenSchnitt, Saiten37SchneidetAnDenFestenGrenzen) {
-    Umgebung u;
-    const std::string vorlage = musterVorlage(80896);
-    dateiErsetzen(u.ini("wdb_37.ini"), vorlage);
-    u.programm.Einstellungen().WDBSpaltenAnzahl(37);
-    u.programm.WDBCreator().writeINIDateien37();
-    pruefeAbschnitte(u, vorlage,
-                     {{"Header_37.ini", {0, 5626}},
-                      {"Felder01_37.ini", {5627, 6143}},
-                      {"Schriften_37.ini", {6144, 10239}},
-                      {"Felder02_37.ini", {10240, 66047}},
-                      {"Break01_37.ini", {66048, 66559}},
-                      {"Felder03_37.ini", {66560, 80164}},
-                      {"Footer_37.ini", {80165, 80895}}},
-                     "FelderAll_37.ini", {1, 3, 5});
-    EXPECT_EQ(u.lesen("FelderAll_37.ini").size(), 69930u);
-    EXPECT_EQ(u.anzahlDateien(), 9u);
+// Each piece runs from the end of the one before it to its own end (exclusive); the "Felder"
+// pieces together make up the blank grid.
+TEST(VorlagenSchnitt, SchneidetAnDenFestenGrenzen) {
+    const std::pair<int16_t, std::vector<std::pair<std::string, size_t>>> faelle[] = {
+        {25, {{"Header", 3682}, {"Felder01", 6144}, {"Schriften", 10240}, {"Felder02", 56778}, {"Footer", 57344}}},
+        {37, {{"Header", 5627}, {"Felder01", 6144}, {"Schriften", 10240}, {"Felder02", 66048}, {"Break01", 66560},
+              {"Felder03", 80165}, {"Footer", 80896}}},
+    };
+    for (const auto& [saiten, stuecke] : faelle) {
+        Vorlagen u;
+        const std::string n = "_" + std::to_string(saiten) + ".ini", vorlage = musterVorlage(stuecke.back().second);
+        dateiErsetzen(u.ini / ("wdb" + n), vorlage);
+        u.schneiden(saiten, saiten);
+        std::string raster;
+        size_t von = 0;
+        for (const auto& [name, bis] : stuecke) {
+            EXPECT_EQ(u.lesen(name + n), vorlage.substr(von, bis - von)) << name << n;
+            if (name.rfind("Felder", 0) == 0) raster += vorlage.substr(von, bis - von);
+            von = bis;
+        }
+        EXPECT_EQ(u.lesen("FelderAll" + n), raster);
+        EXPECT_EQ(raster.size(), saiten == 25 ? 49000u : 69930u);
+        EXPECT_EQ(u.dateien(), static_cast<long>(stuecke.size()) + 2); // the template, pieces and grid, nothing else
+        EXPECT_TRUE(u.form.meldungen.empty());
+    }
 }
 
 TEST(VorlagenSchnitt, SchneidetNurWennDieSaitenzahlZumBefehlPasst) {
-    Umgebung u;
-    dateiErsetzen(u.ini("wdb_25.ini"), musterVorlage(57344));
-    dateiErsetzen(u.ini("wdb_37.ini"), musterVorlage(80896));
-
+    Vorlagen u;
+    dateiErsetzen(u.ini / "wdb_25.ini", musterVorlage(57344));
+    dateiErsetzen(u.ini / "wdb_37.ini", musterVorlage(80896));
     // The names are built from the setting but compared with literal "_25" and "_37" names.
-    u.programm.Einstellungen().WDBSpaltenAnzahl(37);
-    u.programm.WDBCreator().writeINIDateien25();
-    u.programm.Einstellungen().WDBSpaltenAnzahl(25);
-    u.programm.WDBCreator().writeINIDateien37();
-    u.programm.Einstellungen().WDBSpaltenAnzahl(30);
-    u.programm.WDBCreator().writeINIDateien25();
-    u.programm.WDBCreator().writeINIDateien37();
-    EXPECT_EQ(u.anzahlDateien(), 2u);
-
-    // Without a matching name not even the template is opened.
-    fs::remove(u.ini("wdb_25.ini"));
-    u.programm.Einstellungen().WDBSpaltenAnzahl(37);
-    EXPECT_NO_THROW(u.programm.WDBCreator().writeINIDateien25());
-}
-
-TEST(VorlagenSchnitt, FehlendeVorlageIstEinDateifehler) {
-    Umgebung u;
-    u.programm.Einstellungen().WDBSpaltenAnzahl(37);
-    EXPECT_THROW(u.programm.WDBCreator().writeINIDateien37(), DateiFehler);
-    u.programm.Einstellungen().WDBSpaltenAnzahl(25);
+    for (auto [saiten, befehl] : {std::pair<int16_t, int16_t>{37, 25}, {25, 37}, {30, 25}, {30, 37}}) u.schneiden(saiten, befehl);
+    EXPECT_EQ(u.dateien(), 2);
+    // Without a matching name not even the template is opened; with one, a missing template is named.
+    fs::remove(u.ini / "wdb_25.ini");
+    EXPECT_NO_THROW(u.schneiden(37, 25));
     try {
-        u.programm.WDBCreator().writeINIDateien25();
+        u.schneiden(25, 25);
         FAIL() << "kein Fehler";
     } catch (const DateiFehler& f) {
         EXPECT_NE(std::string(f.what()).find("wdb_25.ini"), std::string::npos);
     }
 }
 
+TEST(VorlagenSchnitt, UnbeschreibbaresZielIstEinDateifehler) {
+    Vorlagen u;
+    dateiErsetzen(u.ini / "wdb_37.ini", musterVorlage(80896));
+    fs::create_directories(u.ini / "Break01_37.ini"); // a folder where the piece should go
+    EXPECT_THROW(u.schneiden(37, 37), DateiFehler);
+    EXPECT_EQ(u.lesen("Header_37.ini").size(), 5627u); // the pieces before it are cut
+}
+
 TEST(VorlagenSchnitt, AlteLaengereDateienBehaltenIhrEnde) {
-    Umgebung u;
+    Vorlagen u;
     // A longer piece from elsewhere: the cut overwrites its start and keeps the rest.
     const std::string alt(5000, '\xEE');
-    dateiErsetzen(u.ini("Header_25.ini"), alt);
+    dateiErsetzen(u.ini / "Header_25.ini", alt);
     const std::string vorlage = musterVorlage(57344);
-    dateiErsetzen(u.ini("wdb_25.ini"), vorlage);
-    u.programm.Einstellungen().WDBSpaltenAnzahl(25);
-    u.programm.WDBCreator().writeINIDateien25();
+    dateiErsetzen(u.ini / "wdb_25.ini", vorlage);
+    u.schneiden(25, 25);
     EXPECT_EQ(u.lesen("Header_25.ini"), vorlage.substr(0, 3682) + alt.substr(3682));
 
     // A smaller template: what it no longer fills keeps the bytes of the previous cut.
     const std::string footerAlt = u.lesen("Footer_25.ini");
     const std::string felderAlt = u.lesen("FelderAll_25.ini");
     const size_t kurz = 50000;
-    dateiErsetzen(u.ini("wdb_25.ini"), std::string(kurz, '\x11'));
-    u.programm.WDBCreator().writeINIDateien25();
+    dateiErsetzen(u.ini / "wdb_25.ini", std::string(kurz, '\x11'));
+    u.schneiden(25, 25);
     EXPECT_EQ(u.lesen("Footer_25.ini"), footerAlt);
     const std::string felder = u.lesen("FelderAll_25.ini");
     const size_t neu = 2462 + (kurz - 10240);
@@ -161,13 +107,4 @@ TEST(VorlagenSchnitt, AlteLaengereDateienBehaltenIhrEnde) {
     EXPECT_EQ(felder.substr(0, neu), std::string(neu, '\x11'));
     EXPECT_EQ(felder.substr(neu), felderAlt.substr(neu));
     EXPECT_EQ(u.lesen("Felder02_25.ini").size(), 46538u);
-}
-
-TEST(VorlagenSchnitt, UnbeschreibbaresZielIstEinDateifehler) {
-    Umgebung u;
-    dateiErsetzen(u.ini("wdb_37.ini"), musterVorlage(80896));
-    fs::create_directories(u.ini("Break01_37.ini"));  // a folder where the piece should go
-    u.programm.Einstellungen().WDBSpaltenAnzahl(37);
-    EXPECT_THROW(u.programm.WDBCreator().writeINIDateien37(), DateiFehler);
-    EXPECT_EQ(u.lesen("Header_37.ini").size(), 5627u);  // the pieces before it are cut
 }
