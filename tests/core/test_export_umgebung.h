@@ -7,10 +7,6 @@
 #include "support/TestOrdner.h"
 
 #include <filesystem>
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace lyrabo::test {
 
@@ -52,9 +48,7 @@ struct ExportUmgebung {
 
     ExportUmgebung() { programm.initGlobals(); }
     CEinstellungen& e() { return programm.Einstellungen(); }
-    void mitVorlagen() {
-        std::filesystem::copy(std::filesystem::path(LYRABO_SOURCE_DIR) / "ini", ini, std::filesystem::copy_options::recursive);
-    }
+    void mitVorlagen() { std::filesystem::copy(std::filesystem::path(LYRABO_SOURCE_DIR) / "ini", ini); }
     void flags(const std::string& achtZiffern) {
         for (int i = 0; i < 8; ++i) e().ClipExportFlags()->Item(i + 1)->Value(achtZiffern[i] == '1' ? 1 : 0);
     }
