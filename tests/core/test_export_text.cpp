@@ -55,19 +55,6 @@ std::string kopf(const std::string& art, const std::string& beginn, int anzahl, 
 }
 const std::string kTakt1 = "\r\n----- Takt  1 / 1920 Ticks -----", kTakt2 = "\r\n----- Takt  2 / 1920 Ticks -----";
 
-void ereignis(CProgramm& p, int16_t art, int16_t akkordNr, int32_t start, int16_t ton, int32_t laenge,
-              const std::string& text = "", int16_t spur = 0) {
-    auto e = std::make_shared<CHarfeEvent>();
-    e->Art(art);
-    e->AkkordNr(akkordNr);
-    e->StartZeit(start);
-    e->TonHoehe(ton);
-    e->Laenge(laenge);
-    e->MsgText(text);
-    e->Spur(spur);
-    p.HarfeEvents->Add(e);
-}
-
 void taktart(ExportUmgebung& u, int16_t zaehler, int16_t nenner, int32_t abs, std::initializer_list<int16_t> laengen = {}) {
     auto ts = std::make_shared<CTimeSignature>();
     ts->ID(static_cast<int16_t>(u.programm.TimeSignatures()->Count() + 1));
@@ -118,24 +105,9 @@ TEST(ExportAusMidi, SpurOhneNotenGibtNurDenKopf) {
     EXPECT_EQ(lied.programm.KLNCreator().getKlangNotenString(), kopf("KlangNoten", "", 0, "11110111"));
 }
 
-// The run of the window shows the track and its text and hands the track's notes to the writer;
-// the run of the command line shows nothing and hands over the merged tracks' notes.
-TEST(ExportLauf, MitAnzeigeOderNurDieHarfenEvents) {
-    MidiLied mit(dreiNoten, true), ohne(dreiNoten, true);
-    for (MidiLied* l : {&mit, &ohne}) l->programm.MIDIFileSetsESVarsFrmIntern(2);
-    mit.programm.HarfeExportLauf(2, true, true);
-    ohne.programm.HarfeExportLauf(2, false, false);
-    EXPECT_EQ(mit.e().TrackNr() + ohne.e().TrackNr(), 4);
-    EXPECT_EQ(mit.form.angezeigteSpuren, std::vector<int16_t>{2});
-    ASSERT_EQ(mit.form.textGesetzt, 1);
-    EXPECT_EQ(mit.form.klangNotenText, mit.programm.KLNCreator().getHarfeEventString());
-    EXPECT_EQ(mit.programm.WDBCreator().KlangNoten(), mit.programm.KlangNoten);
-    EXPECT_TRUE(ohne.form.angezeigteSpuren.empty());
-    EXPECT_EQ(ohne.form.textGesetzt, 0);
-    EXPECT_EQ(ohne.programm.WDBCreator().KlangNoten(), ohne.programm.KlangNotenMix);
-}
-
-TEST(ExportLauf, NeuBerechnenNurMitGewaehlterSpurMitEreignissen) {
+// The recompute needs a selected track with events; it shows the track and its text and hands the
+// track's notes to the writer. The run without display hands over the merged tracks' notes.
+TEST(ExportLauf, NeuBerechnenUndLaufOhneAnzeige) {
     ExportUmgebung ohneDatei;
     ohneDatei.form.zeile = 1;
     ohneDatei.programm.neuBerechnen();
@@ -153,24 +125,30 @@ TEST(ExportLauf, NeuBerechnenNurMitGewaehlterSpurMitEreignissen) {
     EXPECT_EQ(lied.form.textGesetzt, 1);
     EXPECT_TRUE(lied.programm.KLNCreator().IsMonoton()); // a melody of single notes: monophonic again
     EXPECT_EQ(lied.programm.KLNCreator().KlangNoten(), lied.programm.KlangNoten);
+    EXPECT_EQ(lied.programm.WDBCreator().KlangNoten(), lied.programm.KlangNoten);
+
+    lied.programm.HarfeExportLauf(2, false, false);
+    EXPECT_EQ(lied.e().TrackNr(), 2);
+    EXPECT_EQ(lied.form.angezeigteSpuren.size() + lied.form.textGesetzt, 2u);
+    EXPECT_EQ(lied.programm.WDBCreator().KlangNoten(), lied.programm.KlangNotenMix);
 }
 
-
 // A short tune in 4/4: a leading rest, a note with a lyric and the rest after it (which carries the
-// lyric on), a whole note in bar 2, and a note past the last known bar.
+// lyric on), a whole note in bar 2, and a note past the last known bar; its harp events come from
+// the writer's collection run.
 TEST(HarfeEventText, SchalterUndStimmenEntscheidenUeberDieFelder) {
     ExportUmgebung u;
-    u.e().TicksPerQuarterNote(480);
     u.e().Tempo(120);
-    u.e().Transpo(5);       // never shown: the events carry the transposed pitches
-    u.e().KanalBelegung(2); // never shown either: always one channel
     u.e().initTaktLaengen();
     taktart(u, 4, 4, 0, {1920, 1920, 1920});
-    ereignis(u.programm, 3, 0, 0, 60, 480);
-    ereignis(u.programm, 1, 1, 480, 62, 480, "la", 1);
-    ereignis(u.programm, 3, 1, 960, 62, 960, "la", 1);
-    ereignis(u.programm, 1, 2, 1920, 64, 1920, "", 1);
-    ereignis(u.programm, 1, 3, 5760, 67, 1920, "", 1);
+    u.pausen->Add(pause(0, 60, 480, 0));
+    u.akkorde->Add(akkord({note(62, 480, 480, 1, "la", 1)}));
+    u.pausen->Add(pause(1, 62, 960, 960));
+    u.akkorde->Add(akkord({note(64, 1920, 1920, 2, "", 1)}));
+    u.akkorde->Add(akkord({note(67, 1920, 5760, 3, "", 1)}));
+    u.schreiber().write_ExportColl();
+    u.e().Transpo(5);       // never shown: the events carry the transposed pitches
+    u.e().KanalBelegung(2); // never shown either: always one channel
     const struct { const char* flags; bool monoton; std::vector<std::string> zeilen; } faelle[] = {
         {"11110111", true, {" 1, 0, 3, 0, 60, 480, 0,,", " 2, 1, 1, 480, 62, 480, 1,la,", " 3, 1, 3, 960, 62, 960, 1,la,",
                             " 4, 2, 1, 1920, 64, 1920, 1,,", " 5, 3, 1, 5760, 67, 1920, 1,,"}},
@@ -205,9 +183,10 @@ TEST(HarfeEventText, TaktartenMitEreignissenInTaktenUndNegativeZahlen) {
     taktart(u, 3, 4, 0, {1440, 1440});
     taktart(u, 4, 4, 2880, {1920});
     u.flags("00010000");
-    ereignis(u.programm, 1, 1, -5, 60, 480);   // before the first bar: lookup 0, no bar line
-    ereignis(u.programm, 1, 2, 2880, 62, 480);
-    ereignis(u.programm, 1, 3, 1500, 64, 480); // an earlier bar after a later one: no bar line
+    u.akkorde->Add(akkord({note(60, 480, -5, 1)})); // before the first bar: lookup 0, no bar line
+    u.akkorde->Add(akkord({note(62, 480, 2880, 2)}));
+    u.akkorde->Add(akkord({note(64, 480, 1500, 3)})); // an earlier bar after a later one: no bar line
+    u.schreiber().write_ExportColl();
     EXPECT_EQ(harfeEventText(u.e(), *u.programm.TimeSignatures(), *u.programm.HarfeEvents, true),
               "HarfeEvent-Export :\r\nAnzahl der Taktarten, 2\r\n1. Taktart: 3/4 | Beginn: 1. Takt\r\n"
                                    "2. Taktart: 4/4 | Beginn: 3. Takt\r\nTicksPerQuarterNote,  480\r\nTempo,  0\r\n"
@@ -218,27 +197,21 @@ TEST(HarfeEventText, TaktartenMitEreignissenInTaktenUndNegativeZahlen) {
 // Rows come from the chords, the count from all notes; switches 3 and 5 show as ticked but have no field.
 TEST(KlangNotenText, ZeilenAusDenAkkordenKanalWortUndSchalter) {
     ExportUmgebung u;
-    u.e().TicksPerQuarterNote(480);
     u.e().Numerator(4);
     u.e().Denominator(2);
     u.e().Tempo(120);
     u.e().Transpo(-12);
-    auto noten = neueSammlung<CKlangNote>();
-    auto a = note(60, 480, 0, 1), b = note(64, 480, 0, 1), c = note(67, 240, -30, 2);
-    int16_t id = 0;
-    for (const auto& [n, kanal] : std::initializer_list<std::pair<std::shared_ptr<CKlangNote>, int16_t>>{{a, 1}, {b, 2}, {c, 1}}) {
-        n->ID(++id);
-        n->Kanal(kanal);
-        noten->Add(n);
+    auto noten = akkord({note(60, 480, 0, 1), note(64, 480, 0, 1), note(67, 240, -30, 2), note(72, 240, 960)});
+    for (int16_t i = 1; i <= 3; ++i) {
+        noten->Item(i)->ID(i);
+        noten->Item(i)->Kanal(i == 2 ? 2 : 1);
     }
-    noten->Add(note(72, 240, 960)); // in no chord
-    u.akkorde->Add(akkord({a, b}));
-    u.akkorde->Add(akkord({c}));
+    u.akkorde->Add(akkord({noten->Item(1), noten->Item(2)}));
+    u.akkorde->Add(akkord({noten->Item(3)})); // the fourth note is in no chord
     const struct { int16_t belegung; const char* flags; const char* wort; const char* zeilen; } faelle[] = {
         {0, "11110111", "einer", "\r\n 1, 1, 0, 60, 480, 1,\r\n 2, 1, 0, 64, 480, 2,\r\n 3, 2,-30, 67, 240, 1,"},
         {1, "00000000", "E-e=1-6", ""},
         {2, "00000000", "E-e=6-1", ""},
-        {3, "00000000", "", ""},
         {-1, "00000000", "", ""},
         {0, "00101000", "einer", ""},
         {0, "10000001", "einer", "\r\n 1, 1,\r\n 2, 2,\r\n 3, 1,"},
