@@ -18,10 +18,12 @@ using namespace lyrabo::test;
 namespace {
 
 // Track 1 holds tempo and time signature, track 2 the tune, track 3 (if any) nothing at all.
+using Spur = std::function<void(MidiSpur&)>;
 struct MidiLied : ExportUmgebung {
-    explicit MidiLied(const std::function<void(MidiSpur&)>& melodie, bool leereSpur = false) {
+    explicit MidiLied(const Spur& melodie, bool leereSpur = false,
+                      const Spur& leiter = [](MidiSpur& s) { s.tempo(0, 500000).taktart(0, 4, 2).ende(1920); }) {
         MidiBauer b(480);
-        b.spur().tempo(0, 500000).taktart(0, 4, 2).ende(1920);
+        leiter(b.spur());
         melodie(b.spur());
         if (leereSpur) b.spur().ohneEnde();
         e().MIDIFilePath(b.schreiben(ordner / "lied.mid").string());
@@ -54,21 +56,6 @@ std::string kopf(const std::string& art, const std::string& beginn, int anzahl, 
            "\r\nMIDI-Kanäle, " + kanaele + "\r\nFeldCheck, " + flags;
 }
 const std::string kTakt1 = "\r\n----- Takt  1 / 1920 Ticks -----", kTakt2 = "\r\n----- Takt  2 / 1920 Ticks -----";
-
-void taktart(ExportUmgebung& u, int16_t zaehler, int16_t nenner, int32_t abs, std::initializer_list<int16_t> laengen = {}) {
-    auto ts = std::make_shared<CTimeSignature>();
-    ts->ID(static_cast<int16_t>(u.programm.TimeSignatures()->Count() + 1));
-    ts->Numerator(zaehler);
-    ts->Denominator(nenner);
-    ts->ABSTime(abs);
-    u.programm.TimeSignatures()->Add(ts);
-    for (int16_t l : laengen) {
-        auto i = std::make_shared<CInteger>();
-        i->ID(static_cast<int16_t>(u.e().MFITaktLaengen()->Count() + 1));
-        i->Value(l);
-        u.e().MFITaktLaengen()->Add(i);
-    }
-}
 
 } // namespace
 
@@ -105,9 +92,9 @@ TEST(ExportAusMidi, SpurOhneNotenGibtNurDenKopf) {
     EXPECT_EQ(lied.programm.KLNCreator().getKlangNotenString(), kopf("KlangNoten", "", 0, "11110111"));
 }
 
-// The recompute needs a selected track with events; it shows the track and its text and hands the
-// track's notes to the writer. The run without display hands over the merged tracks' notes.
-TEST(ExportLauf, NeuBerechnenUndLaufOhneAnzeige) {
+// The recompute needs a selected track with events; it shows the track and its text, working on
+// the program's own note collection again.
+TEST(ExportLauf, NeuBerechnenNurMitGewaehlterSpurMitEreignissen) {
     ExportUmgebung ohneDatei;
     ohneDatei.form.zeile = 1;
     ohneDatei.programm.neuBerechnen();
@@ -125,22 +112,14 @@ TEST(ExportLauf, NeuBerechnenUndLaufOhneAnzeige) {
     EXPECT_EQ(lied.form.textGesetzt, 1);
     EXPECT_TRUE(lied.programm.KLNCreator().IsMonoton()); // a melody of single notes: monophonic again
     EXPECT_EQ(lied.programm.KLNCreator().KlangNoten(), lied.programm.KlangNoten);
-    EXPECT_EQ(lied.programm.WDBCreator().KlangNoten(), lied.programm.KlangNoten);
-
-    lied.programm.HarfeExportLauf(2, false, false);
-    EXPECT_EQ(lied.e().TrackNr(), 2);
-    EXPECT_EQ(lied.form.angezeigteSpuren.size() + lied.form.textGesetzt, 2u);
-    EXPECT_EQ(lied.programm.WDBCreator().KlangNoten(), lied.programm.KlangNotenMix);
 }
 
 // A short tune in 4/4: a leading rest, a note with a lyric and the rest after it (which carries the
 // lyric on), a whole note in bar 2, and a note past the last known bar; its harp events come from
-// the writer's collection run.
+// the writer's collection run, the bars from a MIDI file.
 TEST(HarfeEventText, SchalterUndStimmenEntscheidenUeberDieFelder) {
-    ExportUmgebung u;
-    u.e().Tempo(120);
-    u.e().initTaktLaengen();
-    taktart(u, 4, 4, 0, {1920, 1920, 1920});
+    MidiLied u(einstimmig);
+    u.harfenText();
     u.pausen->Add(pause(0, 60, 480, 0));
     u.akkorde->Add(akkord({note(62, 480, 480, 1, "la", 1)}));
     u.pausen->Add(pause(1, 62, 960, 960));
@@ -178,10 +157,8 @@ TEST(HarfeEventText, SchalterUndStimmenEntscheidenUeberDieFelder) {
 // Time signatures begin at bars once there are events (in ticks without, see the empty export);
 // numbers get their leading blank only when not negative.
 TEST(HarfeEventText, TaktartenMitEreignissenInTaktenUndNegativeZahlen) {
-    ExportUmgebung u;
-    u.e().initTaktLaengen();
-    taktart(u, 3, 4, 0, {1440, 1440});
-    taktart(u, 4, 4, 2880, {1920});
+    MidiLied u(dreiNoten, false, [](MidiSpur& s) { s.taktart(0, 3, 2).taktart(2880, 4, 2).ende(1920); });
+    u.harfenText();
     u.flags("00010000");
     u.akkorde->Add(akkord({note(60, 480, -5, 1)})); // before the first bar: lookup 0, no bar line
     u.akkorde->Add(akkord({note(62, 480, 2880, 2)}));

@@ -7,18 +7,13 @@
 
 #include <filesystem>
 #include <tuple>
+#include <vector>
 
 using namespace lyrabo;
 using namespace lyrabo::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string muster(size_t groesse, uint8_t start) {
-    std::string s(groesse, '\0');
-    for (size_t i = 0; i < groesse; ++i) s[i] = static_cast<char>((start + i * 7) & 0xFF);
-    return s;
-}
 
 // A blank grid whose cell headers are all different and whose cell texts read "xyz", followed by
 // a tail that is not part of any row.
@@ -31,19 +26,18 @@ std::string leeresRaster(int zellen, const std::string& schluss = "SCHLUSS") {
     return s + schluss;
 }
 
-// Template pieces of distinct patterns and the given blank grid.
+// Template pieces, each of its own byte, and the given blank grid.
 struct WdbOrdner : ExportUmgebung {
     std::string leer;
     WdbOrdner(int16_t saiten, std::string raster) : leer(std::move(raster)) {
         fs::create_directories(ini);
         e().WDBSpaltenAnzahl(saiten);
-        e().TicksPerQuarterNote(480);
         const std::string n = "_" + std::to_string(saiten) + ".ini";
-        using Stueck = std::tuple<const char*, size_t, uint8_t>;
-        const auto stuecke = saiten == 25 ? std::vector<Stueck>{{"Header", 3682, 1}, {"Schriften", 4096, 2}, {"Footer", 566, 3}}
-                                          : std::vector<Stueck>{{"Header", 5627, 4}, {"Schriften", 4096, 5},
-                                                                {"Break01", 512, 6}, {"Footer", 731, 7}};
-        for (const auto& [name, groesse, start] : stuecke) dateiErsetzen(ini / (name + n), muster(groesse, start));
+        using Stuecke = std::vector<std::pair<const char*, size_t>>;
+        const Stuecke stuecke = saiten == 25 ? Stuecke{{"Header", 3682}, {"Schriften", 4096}, {"Footer", 566}}
+                                             : Stuecke{{"Header", 5627}, {"Schriften", 4096}, {"Break01", 512}, {"Footer", 731}};
+        char byte = 0;
+        for (const auto& [name, groesse] : stuecke) dateiErsetzen(ini / (name + n), std::string(groesse, ++byte));
         dateiErsetzen(ini / ("FelderAll" + n), leer);
     }
     std::string temp() { return dateiLesen(ini / ("FelderAllTemp_" + std::to_string(e().WDBSpaltenAnzahl()) + ".ini")); }

@@ -5,11 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <sstream>
-#include <string>
-#include <vector>
 
 using namespace lyrabo;
 using namespace lyrabo::test;
