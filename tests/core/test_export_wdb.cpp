@@ -183,7 +183,7 @@ TEST(ExportSammlung, HoechsterTonMelodieAusNimmtEineNoteJeAkkord) {
     auto gleichLang = akkord({note(64, 480, 480, 2), note(60, 480, 480, 2), note(62, 480, 480, 2), note(59, 240, 480, 2)});
     // No note longer than 0: the first note is the candidate, lower notes of length 0 still win.
     auto ohneLaenge = akkord({note(64, 0, 960, 3), note(60, 0, 960, 3), note(67, 0, 960, 3)});
-    for (const auto& a : {laengste, gleichLang, ohneLaenge, akkord({note(70, 240, 1200, 4, "la", 1)})}) s.akkorde->Add(a);
+    for (const auto& k : {laengste, gleichLang, ohneLaenge, akkord({note(70, 240, 1200, 4, "la", 1)})}) s.akkorde->Add(k);
     s.akkorde->Add(neueSammlung<CKlangNote>()); // an empty chord gives no event
     s.schreiber().write_ExportColl();
     EXPECT_EQ(kurz(*s.programm.HarfeEvents), (std::vector<std::string>{"1/1/67/960/0/0/", "1/2/62/480/480/0/",

@@ -76,15 +76,7 @@ TEST(VorlagenSchnitt, SchneidetNurWennDieSaitenzahlZumBefehlPasst) {
     }
 }
 
-TEST(VorlagenSchnitt, UnbeschreibbaresZielIstEinDateifehler) {
-    Vorlagen u;
-    dateiErsetzen(u.ini / "wdb_37.ini", musterVorlage(80896));
-    fs::create_directories(u.ini / "Break01_37.ini"); // a folder where the piece should go
-    EXPECT_THROW(u.schneiden(37, 37), DateiFehler);
-    EXPECT_EQ(u.lesen("Header_37.ini").size(), 5627u); // the pieces before it are cut
-}
-
-TEST(VorlagenSchnitt, AlteLaengereDateienBehaltenIhrEnde) {
+TEST(VorlagenSchnitt, AlteDateienBehaltenIhrEndeUnbeschreibbaresZielIstEinFehler) {
     Vorlagen u;
     // A longer piece from elsewhere: the cut overwrites its start and keeps the rest.
     const std::string alt(5000, '\xEE');
@@ -107,4 +99,10 @@ TEST(VorlagenSchnitt, AlteLaengereDateienBehaltenIhrEnde) {
     EXPECT_EQ(felder.substr(0, neu), std::string(neu, '\x11'));
     EXPECT_EQ(felder.substr(neu), felderAlt.substr(neu));
     EXPECT_EQ(u.lesen("Felder02_25.ini").size(), 46538u);
+
+    // A piece that cannot be written is a file error; the pieces before it are cut.
+    dateiErsetzen(u.ini / "wdb_37.ini", musterVorlage(80896));
+    fs::create_directories(u.ini / "Break01_37.ini");
+    EXPECT_THROW(u.schneiden(37, 37), DateiFehler);
+    EXPECT_EQ(u.lesen("Header_37.ini").size(), 5627u);
 }
