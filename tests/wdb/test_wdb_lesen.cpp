@@ -30,10 +30,9 @@ struct Schreiber : ExportUmgebung {
         mitVorlagen();
         e().WDBSpaltenAnzahl(static_cast<int16_t>(s));
     }
-    int32_t ticks(int laenge48) { return laenge48 * e().TPQN_Faktor(); }
     // The leading rest: the first row.
     void fuehrendePause(int saite, int laenge48) {
-        pausen->Add(pause(0, static_cast<int16_t>(54 + saite), ticks(laenge48)));
+        pausen->Add(pause(0, static_cast<int16_t>(54 + saite), laenge48 * e().TPQN_Faktor()));
         erwartet[{0, saite - 1}] = kZeichen.at(laenge48).second;
         ersteZeile = 1;
     }
@@ -42,7 +41,7 @@ struct Schreiber : ExportUmgebung {
         auto a = neueSammlung<CKlangNote>();
         const int nr = akkorde->Count() + 1;
         for (auto [saite, laenge48] : saitenUndLaengen) {
-            a->Add(note(static_cast<int16_t>(54 + saite), ticks(laenge48), 0, static_cast<int16_t>(nr)));
+            a->Add(note(static_cast<int16_t>(54 + saite), laenge48 * e().TPQN_Faktor(), 0, static_cast<int16_t>(nr)));
             erwartet[{ersteZeile + nr - 1, saite - 1}] = kZeichen.at(laenge48).first;
         }
         akkorde->Add(a);
