@@ -163,10 +163,8 @@ TEST(HarfeEventText, TaktartenMitEreignissenInTaktenUndNegativeZahlen) {
 
 // Rows come from the chords, the count from all notes; switches 3 and 5 show as ticked but have no field.
 TEST(KlangNotenText, ZeilenAusDenAkkordenKanalWortUndSchalter) {
-    ExportUmgebung u;
-    u.e().Numerator(4);
-    u.e().Denominator(2);
-    u.e().Tempo(120);
+    MidiLied u(zweistimmig); // only for the header's time signature and tempo
+    u.harfenText();
     u.e().Transpo(-12);
     auto noten = akkord({note(60, 480, 0, 1), note(64, 480, 0, 1), note(67, 240, -30, 2), note(72, 240, 960)});
     for (int16_t i = 1; i <= 3; ++i) {

@@ -22,17 +22,19 @@ const std::map<int, std::pair<std::string, std::string>> kZeichen = {
 // A program folder with the shipped ini/ pieces, a piece built by hand, and what the sheet
 // should show: (row, string column from 0) -> glyph text.
 struct Schreiber : ExportUmgebung {
-    int spalten;
+    int spalten, transpo;
     int ersteZeile = 0;
     std::map<std::pair<int, int>, std::string> erwartet;
 
-    explicit Schreiber(int s) : spalten(s) {
+    explicit Schreiber(int s, int16_t t = 0, int16_t ticksProViertel = 480) : spalten(s), transpo(t) {
         mitVorlagen();
         e().WDBSpaltenAnzahl(static_cast<int16_t>(s));
+        e().Transpo(t);
+        e().TicksPerQuarterNote(ticksProViertel);
     }
     // The leading rest: the first row.
     void fuehrendePause(int saite, int laenge48) {
-        pausen->Add(pause(0, static_cast<int16_t>(54 + saite), laenge48 * e().TPQN_Faktor()));
+        pausen->Add(pause(0, static_cast<int16_t>(54 + saite - transpo), laenge48 * e().TPQN_Faktor()));
         erwartet[{0, saite - 1}] = kZeichen.at(laenge48).second;
         ersteZeile = 1;
     }
@@ -41,7 +43,7 @@ struct Schreiber : ExportUmgebung {
         auto a = neueSammlung<CKlangNote>();
         const int nr = akkorde->Count() + 1;
         for (auto [saite, laenge48] : saitenUndLaengen) {
-            a->Add(note(static_cast<int16_t>(54 + saite), laenge48 * e().TPQN_Faktor(), 0, static_cast<int16_t>(nr)));
+            a->Add(note(static_cast<int16_t>(54 + saite - transpo), laenge48 * e().TPQN_Faktor(), 0, static_cast<int16_t>(nr)));
             erwartet[{ersteZeile + nr - 1, saite - 1}] = kZeichen.at(laenge48).first;
         }
         akkorde->Add(a);
@@ -57,6 +59,7 @@ struct Schreiber : ExportUmgebung {
 
     // Every placed cell holds its glyphs behind the lead blank; every other cell only the blank.
     void pruefeBlatt(const fs::path& datei, int zeilen) {
+        ASSERT_EQ(fs::file_size(datei), spalten == 37 ? 80896u : 57343u);
         ASSERT_TRUE(fs::exists(LYRABO_WKS2CSV)) << "wks2csv fehlt (Paket libwps-tools)";
         const fs::path csv = ordner / "blatt.csv";
         const std::string befehl = "'" + std::string(LYRABO_WKS2CSV) + "' -f ';' '" + datei.string() + "' > '" +
@@ -93,7 +96,7 @@ TEST(WdbLesen, OhneNotenEntstehtDieVorlage) {
 }
 
 TEST(WdbLesen, Saiten37NotenUndPausenAnIhrenPlaetzen) {
-    Schreiber s(37);
+    Schreiber s(37, 12); // transposed up an octave: the pitches lie 12 lower for the same strings
     s.fuehrendePause(37, 72); // row 0, highest string: the cell's last byte lies behind "Schriften"
     s.neuerAkkord({{1, 192}, {5, 144}, {12, 48}, {36, 36}});
     s.neuerAkkord({{37, 12}});
@@ -102,13 +105,11 @@ TEST(WdbLesen, Saiten37NotenUndPausenAnIhrenPlaetzen) {
     s.neuerAkkord({{27, 192}, {28, 72}}); // row 108: string 28 is cut by "Break01" before its glyphs
     s.auffuellenBis(134);
     s.neuerAkkord({{1, 24}, {37, 144}}); // last row
-    const fs::path datei = s.schreiben("noten37.wdb");
-    ASSERT_EQ(fs::file_size(datei), 80896u);
-    s.pruefeBlatt(datei, 135);
+    s.pruefeBlatt(s.schreiben("noten37.wdb"), 135);
 }
 
 TEST(WdbLesen, Saiten25NotenUndPausenAnIhrenPlaetzen) {
-    Schreiber s(25);
+    Schreiber s(25, 0, 96); // 96 ticks per quarter: every length counts double
     s.fuehrendePause(13, 144);
     s.neuerAkkord({{1, 192}, {25, 72}});
     s.auffuellenBis(7);
@@ -117,7 +118,5 @@ TEST(WdbLesen, Saiten25NotenUndPausenAnIhrenPlaetzen) {
     s.neuerAkkord({{1, 144}, {25, 36}});
     s.auffuellenBis(139);
     s.neuerAkkord({{1, 192}, {25, 12}});
-    const fs::path datei = s.schreiben("noten25.wdb");
-    ASSERT_EQ(fs::file_size(datei), 57343u);
-    s.pruefeBlatt(datei, 140);
+    s.pruefeBlatt(s.schreiben("noten25.wdb"), 140);
 }
