@@ -59,8 +59,8 @@ TEST(MidiOeffnen, SpurnamenTempoTaktartUndTempoTabelle) {
     auto& e = u.e();
     EXPECT_EQ((std::array<int, 6>{e.Tempo(), e.TicksPerQuarterNote(), e.Numerator(), e.Denominator(), e.TaktLaenge(), e.Transpo()}),
               (std::array<int, 6>{120, 240, 3, 2, 720, 5}));
-    // Every tempo enters the table: ticks per ms x 1000 are 0.48 and 0.96, rounded; the playback
-    // tests check the other columns.
+    // Every tempo enters the table: ticks per ms x 1000 are 0.48 and 0.96, rounded. The playback
+    // tests time their queue by the other columns.
     const auto& t = u.programm.TempoTabelle;
     ASSERT_EQ(u.programm.TempoAnzahl, 2);
     EXPECT_EQ((std::array{t[1].ticksProMs1000, t[2].ticksProMs1000}), (std::array{0, 1}));
