@@ -2,24 +2,28 @@
 // A program folder of its own, the real start-up, and a window whose message boxes and file
 // dialogs are answered by the test instead of a user.
 #include "app/CStart.h"
-#include "app/core/CProgramm.h"
+#include "model/Datei.h"
 #include "support/MidiBauer.h"
 #include "support/TestOrdner.h"
 #include "ui/frmLyrabo.h"
 
+// The controls the tests look up by name.
 #include <QAction>
-#include <QApplication>
-#include <QMessageBox>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -31,27 +35,16 @@ struct Nachricht {
     QMessageBox::StandardButtons knoepfe;
 };
 
-struct DialogAufruf {
-    bool speichern;
-    QString startOrdner;
-    QString filter;
-};
-
-inline std::string dateiInhalt(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 // A small song: track 1 tempo 120 and 3/4, track 2 a melody of g' to d'' (fits the harp),
-// track 3 a bass line down to great G (43), below the lowest string.
+// track 3 a bass line down to great G (43), below the lowest string. The melody has what each
+// option acts on: a dotted-quarter rest, an eighth off the beat, a chord, a last bar not filled.
 inline MidiBauer liedMitDreiSpuren() {
     MidiBauer lied(480);
     lied.spur().name("Tempo").tempo(0, 500000).taktart(0, 3, 2);
     auto& melodie = lied.spur().name("Melodie");
-    for (int ton : {67, 69, 71, 72, 74, 72, 71, 69, 67, 67}) melodie.note(0, ton, 480);
-    melodie.note(0, 74, 960).note(0, 72, 480);
+    for (int ton : {67, 69, 71, 72}) melodie.note(0, ton, 480);
+    melodie.note(720, 74, 240).an(0, 1, 72).an(0, 1, 69).aus(960, 1, 72).aus(0, 1, 69);
+    for (int ton : {71, 69, 67}) melodie.note(0, ton, 480);
     auto& bass = lied.spur().name("Bass");
     for (int ton : {43, 50, 55, 47, 50, 43}) bass.note(0, ton, 960);
     return lied;
@@ -59,37 +52,35 @@ inline MidiBauer liedMitDreiSpuren() {
 
 class FensterUmgebung {
 public:
-    explicit FensterUmgebung(bool mitVorlagen = true) {
-        std::filesystem::create_directories(m_ordner / "data");
-        std::filesystem::create_directories(m_ordner / "ini");
-        std::filesystem::create_directories(m_ordner / "lieder");
-        if (mitVorlagen) {
-            const std::filesystem::path vorlagen = std::filesystem::path(LYRABO_BIN_DIR) / "ini";
-            if (std::filesystem::exists(vorlagen))
-                std::filesystem::copy(vorlagen, m_ordner / "ini", std::filesystem::copy_options::recursive |
-                                                                     std::filesystem::copy_options::overwrite_existing);
-        }
+    FensterUmgebung() {
+        namespace fs = std::filesystem;
+        for (const char* sub : {"data", "ini", "lieder"}) fs::create_directories(m_ordner / sub);
+        fs::copy(fs::path(LYRABO_BIN_DIR) / "ini", m_ordner / "ini", fs::copy_options::recursive);
     }
 
     void starten() {
         m_start = std::make_unique<CStart>(m_ordner.pfad());
         fenster().setNachrichtAntwort([this](QMessageBox::Icon icon, const QString& text, QMessageBox::StandardButtons k) {
             nachrichten.push_back({icon, text, k});
-            if (k & QMessageBox::Cancel) return frageAntwort;
-            return QMessageBox::Ok;
+            return (k & QMessageBox::Cancel) ? frageAntwort : QMessageBox::Ok;
         });
-        fenster().setDialogAntwort([this](bool speichern, const QString& start, const QString& filter) {
-            dialogAufrufe.push_back({speichern, start, filter});
-            std::optional<QString> antwort;
-            if (!dialogAntworten.empty()) {
-                antwort = dialogAntworten.front();
-                dialogAntworten.pop_front();
-            }
+        fenster().setDialogAntwort([this](bool, const QString&, const QString&) {
+            if (dialogAntworten.empty()) return std::optional<QString>();
+            const auto antwort = dialogAntworten.front();
+            dialogAntworten.pop_front();
             return antwort;
         });
     }
+    // Writes the song, starts the program and opens the song through the menu.
+    std::filesystem::path startenMit(const MidiBauer& bauer, const std::string& name = "lied.mid") {
+        const auto pfad = bauer.schreiben(m_ordner / "lieder" / name);
+        starten();
+        oeffnen(pfad);
+        return pfad;
+    }
 
     const std::filesystem::path& ordner() const { return m_ordner.pfad(); }
+    std::filesystem::path userDaten() const { return m_ordner / "data" / "LYRABO_user.ini"; }
     CStart& start() { return *m_start; }
     frmLyrabo& fenster() { return m_start->Fenster(); }
     CProgramm& programm() { return m_start->Programm(); }
@@ -98,22 +89,12 @@ public:
     // A control by its name, and for arrays by its index.
     template <typename W>
     W* el(const char* name, int index = -1) {
-        for (W* w : fenster().findChildren<W*>(QString::fromLatin1(name))) {
+        for (W* w : fenster().findChildren<W*>(QString::fromLatin1(name)))
             if (index < 0 || w->property("Index").toInt() == index) return w;
-        }
         ADD_FAILURE() << "kein Element " << name << "(" << index << ")";
         return nullptr;
     }
     QAction* menue(const char* name) { return el<QAction>(name); }
-
-    std::filesystem::path lied(const std::string& name, const MidiBauer& bauer) {
-        return bauer.schreiben(m_ordner / "lieder" / name);
-    }
-    std::filesystem::path datei(const std::string& name, const std::string& inhalt) {
-        const auto pfad = m_ordner / "lieder" / name;
-        std::ofstream(pfad, std::ios::binary) << inhalt;
-        return pfad;
-    }
 
     // Opens a file as the user does: the menu entry, then the file chosen in the dialog.
     void oeffnen(const std::filesystem::path& pfad) {
@@ -124,7 +105,6 @@ public:
     std::vector<Nachricht> nachrichten;
     QMessageBox::StandardButton frageAntwort = QMessageBox::Cancel;
     std::deque<std::optional<QString>> dialogAntworten;
-    std::vector<DialogAufruf> dialogAufrufe;
 
 private:
     TestOrdner m_ordner;

@@ -3,20 +3,16 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-// The offscreen platform reports every window feature it lacks; those lines say nothing here.
-void meldungenFiltern(QtMsgType typ, const QMessageLogContext& kontext, const QString& text) {
-    if (text.startsWith(QStringLiteral("This plugin does not support"))) return;
-    if (text.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR"))) return;
-    fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(typ, kontext, text)));
-}
-
-} // namespace
+#include <cstdio>
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(meldungenFiltern);
+    // The offscreen platform reports every window feature it lacks; those lines say nothing here.
+    qInstallMessageHandler([](QtMsgType typ, const QMessageLogContext& kontext, const QString& text) {
+        if (!text.startsWith(QStringLiteral("This plugin does not support")) &&
+            !text.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR")))
+            std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(typ, kontext, text)));
+    });
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lyrabo"));
     ::testing::InitGoogleTest(&argc, argv);

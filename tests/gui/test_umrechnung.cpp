@@ -1,229 +1,178 @@
-// What the window computes: the harp-event text for every option, the string-column colours,
-// mixing, copying and saving.
+// What the window computes: the harp-event text, which for the same file, track and options is
+// what lyrabo-cli writes (in Windows-1252), the string-column colours, and the text put on the
+// clipboard by mixing, copying and the automatic run.
 #include "FensterUmgebung.h"
 
 #include "engine/CKLNCreator.h"
+#include "model/Text.h"
 
-#include <QCheckBox>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QLabel>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSlider>
+#include <QProcess>
 
-#include <cstdio>
+#include <functional>
+#include <map>
 
 namespace lyrabo::test {
 namespace {
 
-// The core without a window: the same file and options, converted as the window's recompute does.
-class FormAttrappe : public IForm {
-public:
-    void meldung(const std::string& t) override { meldungen.push_back(t); }
-    int16_t ausgewaehlteSpurZeile() const override { return zeile; }
-    void setKlangNotenText(const std::string& t) override { text = t; }
-    int16_t zeile = 1;
-    std::string text;
-    std::vector<std::string> meldungen;
-};
-
-class Vergleich {
-public:
-    Vergleich(const std::filesystem::path& ordner, const std::filesystem::path& lied) : m_programm(ordner, m_form) {
-        m_programm.initGlobals();
-        m_programm.Einstellungen().MIDIFilePath(lied.string());
-        m_programm.openMIDIFile(2);
-    }
-    CEinstellungen& e() { return m_programm.Einstellungen(); }
-    std::string umrechnen(int16_t zeile) {
-        m_form.zeile = zeile;
-        m_programm.neuBerechnen();
-        return m_form.text;
-    }
-    std::string harfenText() { return m_programm.KLNCreator().getHarfeEventString(); }
-
-private:
-    FormAttrappe m_form;
-    CProgramm m_programm;
-};
-
-void textGleich(FensterUmgebung& u, const std::string& erwartet, const char* schritt) {
-    EXPECT_FALSE(erwartet.empty()) << schritt;
-    EXPECT_EQ(u.fenster().klangNotenText(), erwartet) << schritt;
-    QString angezeigt = QString::fromStdString(erwartet);
-    angezeigt.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    EXPECT_EQ(u.el<QPlainTextEdit>("txtKlangNoten")->toPlainText(), angezeigt) << schritt;
+#ifdef LYRABO_CLI
+std::string cliText(const std::filesystem::path& lied, const std::map<QString, QString>& optionen) {
+    QStringList argumente{QStringLiteral("convert"), QString::fromStdString(lied.string()),
+                          QStringLiteral("--harfentext"), QStringLiteral("-")};
+    for (const auto& [name, wert] : optionen) argumente << name + '=' + wert;
+    QProcess cli;
+    cli.start(QStringLiteral(LYRABO_CLI), argumente);
+    EXPECT_TRUE(cli.waitForFinished(60000));
+    EXPECT_EQ(cli.exitCode(), 0) << cli.readAllStandardError().toStdString();
+    return cp1252ZuUtf8(cli.readAllStandardOutput().toStdString());
 }
 
-TEST(Umrechnung, DerTextFolgtJederBedienungWieImKern) {
-    FensterUmgebung u;
-    const auto pfad = u.lied("lied.mid", liedMitDreiSpuren());
-    u.starten();
-    u.oeffnen(pfad);
-    ASSERT_TRUE(u.nachrichten.empty()) << u.nachrichten[0].text.toStdString();
-    Vergleich k(u.ordner(), pfad);
+// Each step moves one control of the window and the matching options of lyrabo-cli; the steps
+// build on each other, so the last one runs with every option changed from its default. Every
+// step changes the text except those marked `gleich`.
+struct Schritt {
+    const char* was;
+    std::function<void(FensterUmgebung&)> bedienen;
+    std::map<QString, QString> optionen;
+    bool gleich = false;
+};
 
-    textGleich(u, k.umrechnen(1), "nach dem Laden");
-    u.el<QSlider>("hsQuantisierung")->setValue(5);
-    k.e().QuantNotenwert(48);
-    textGleich(u, k.umrechnen(1), "Quantisierung 1/4");
-    u.el<QCheckBox>("chLegato")->click();
-    k.e().Legato(true);
-    textGleich(u, k.umrechnen(1), "Legato");
-    u.el<QCheckBox>("chHoechsterTonMelodie")->click();
-    k.e().HoechsterTonMelodie(true);
-    textGleich(u, k.umrechnen(1), "Höchster Ton");
-    u.el<QCheckBox>("chPunktPausen")->click();
-    k.e().PunktiertePausen(true);
-    textGleich(u, k.umrechnen(1), "punktierte Pausen");
-    u.el<QCheckBox>("chPausenLetzerTakt")->click();
-    k.e().PausenLetzterTakt(false);
-    textGleich(u, k.umrechnen(1), "ohne Pausen im letzten Takt");
-    u.el<QRadioButton>("opKanal", 1)->click();
-    k.e().KanalBelegung(1);
-    textGleich(u, k.harfenText(), "Kanal");
-    u.el<QCheckBox>("chClipExport", 4)->click();
-    k.e().ClipExportFlags()->Item(4)->Value(0);
-    textGleich(u, k.harfenText(), "ohne Startzeit");
-    // The transposition shows in the next conversion's pitches.
-    u.el<QSlider>("hsTranspo")->setValue(12);
-    k.e().Transpo(12);
-    u.el<QListWidget>("TrackList")->setCurrentRow(2);
-    textGleich(u, k.umrechnen(2), "Bass, eine Oktave höher");
+std::function<void(FensterUmgebung&)> klick(const char* name, int index = -1) {
+    return [=](FensterUmgebung& u) { u.el<QAbstractButton>(name, index)->click(); };
+}
+
+TEST(Kommandozeile, JedeBedienungErgibtDenTextVonLyraboCli) {
+    FensterUmgebung u;
+    const auto pfad = u.startenMit(liedMitDreiSpuren());
+    std::map<QString, QString> optionen{{"--spur", "2"}, {"--quantisierung", "1/16"}, {"--transpo", "0"},
+        {"--kanal", "0"}, {"--legato", "nein"}, {"--hoechster-ton-melodie", "nein"}, {"--punktierte-pausen", "nein"},
+        {"--ohne-pausen-letzter-takt", "nein"}};
+    const Schritt schritte[] = {
+        {"nach dem Laden", [](FensterUmgebung&) {}, {{"--spur", "2"}}},
+        {"Höchster Ton", klick("chHoechsterTonMelodie"), {{"--hoechster-ton-melodie", "ja"}}},
+        {"punktierte Pausen", klick("chPunktPausen"), {{"--punktierte-pausen", "ja"}}},
+        {"ohne Pausen im letzten Takt", klick("chPausenLetzerTakt"), {{"--ohne-pausen-letzter-takt", "ja"}}},
+        {"Legato", klick("chLegato"), {{"--legato", "ja"}}},
+        {"Quantisierung 1/4", [](FensterUmgebung& f) { f.el<QSlider>("hsQuantisierung")->setValue(5); },
+         {{"--quantisierung", "1/4"}}},
+        // The harp-event text names one channel whatever the option says (checked after the loop).
+        {"Kanal 2", klick("opKanal", 2), {{"--kanal", "2"}}, true},
+        // The slider alone does not convert; the next conversion shows the new pitches.
+        {"eine Oktave höher", [](FensterUmgebung& f) { f.el<QSlider>("hsTranspo")->setValue(12); }, {}, true},
+        {"Bass", [](FensterUmgebung& f) { f.el<QListWidget>("TrackList")->setCurrentRow(2); },
+         {{"--transpo", "12"}, {"--spur", "3"}}},
+        // Field 8 is what the last conversion set: 1, as the bass has no chord.
+        {"ohne Startzeit", klick("chClipExport", 4), {{"--felder", "11100111"}}},
+    };
+    std::string vorher;
+    for (const Schritt& s : schritte) {
+        s.bedienen(u);
+        for (const auto& [name, wert] : s.optionen) optionen[name] = wert;
+        const std::string erwartet = cliText(pfad, optionen);
+        EXPECT_EQ(erwartet == vorher, s.gleich) << s.was;
+        vorher = erwartet;
+        EXPECT_EQ(u.fenster().klangNotenText(), erwartet) << s.was;
+        EXPECT_EQ(u.el<QPlainTextEdit>("txtKlangNoten")->toPlainText(),
+                  QString::fromStdString(erwartet).replace(QStringLiteral("\r\n"), QStringLiteral("\n")))
+            << s.was;
+    }
+    EXPECT_EQ(u.einstellungen().KanalBelegung(), 2);
     EXPECT_TRUE(u.nachrichten.empty());
 }
 
-struct Rgb {
-    int r, g, b;
-};
-void farbeGleich(QLabel* feld, Rgb f, const std::string& was) {
-    EXPECT_EQ(feld->palette().color(QPalette::Window), QColor(f.r, f.g, f.b)) << was;
-}
+#endif
+
+QColor farbe(QLabel* feld) { return feld->palette().color(QPalette::Window); }
 
 TEST(Saitenspalten, ZeigenDieGebrauchtenSaitenUndWarnenRotAmRand) {
     FensterUmgebung u;
-    const auto pfad = u.lied("lied.mid", liedMitDreiSpuren());
-    u.starten();
-    u.oeffnen(pfad);
+    u.startenMit(liedMitDreiSpuren());
     auto pruefen = [&](int von, int bis, bool linksRot, bool rechtsRot, const std::string& was) {
         for (int i = 0; i <= 36; ++i) {
-            const bool drin = i >= von && i <= bis;
-            const bool oktave = i % 12 == 0;
-            const Rgb f = drin ? (oktave ? Rgb{190, 255, 190} : Rgb{0, 255, 0})
-                               : (oktave ? Rgb{100, 100, 255} : Rgb{255, 255, 255});
-            farbeGleich(u.el<QLabel>("labSpalte", i), f, was + ", Feld " + std::to_string(i));
+            const bool drin = i >= von && i <= bis, oktave = i % 12 == 0;
+            const QColor f = drin ? (oktave ? QColor(190, 255, 190) : QColor(0, 255, 0))
+                                  : (oktave ? QColor(100, 100, 255) : QColor(255, 255, 255));
+            EXPECT_EQ(farbe(u.el<QLabel>("labSpalte", i)), f) << was << ", Feld " << i;
         }
-        farbeGleich(u.el<QLabel>("labSpalteBorder", 0), linksRot ? Rgb{255, 50, 50} : Rgb{191, 191, 191}, was + ", links");
-        farbeGleich(u.el<QLabel>("labSpalteBorder", 1), rechtsRot ? Rgb{255, 50, 50} : Rgb{191, 191, 191}, was + ", rechts");
+        const QColor rot(255, 50, 50), grau(191, 191, 191);
+        EXPECT_EQ(farbe(u.el<QLabel>("labSpalteBorder", 0)), linksRot ? rot : grau) << was << ", links";
+        EXPECT_EQ(farbe(u.el<QLabel>("labSpalteBorder", 1)), rechtsRot ? rot : grau) << was << ", rechts";
     };
     // The melody, g' to d'', fits: fields 12 to 19.
     pruefen(12, 19, false, false, "Melodie");
     // The bass reaches down to G (43): only field 0 is inside, the left border is red.
     u.el<QListWidget>("TrackList")->setCurrentRow(2);
     pruefen(0, 0, true, false, "Bass");
-    // An octave up it fits; the slider only recolours, it does not convert again.
-    const std::string vorher = u.fenster().klangNotenText();
+    // An octave up it fits.
     u.el<QSlider>("hsTranspo")->setValue(12);
     pruefen(0, 12, false, false, "Bass eine Oktave höher");
-    EXPECT_EQ(u.fenster().klangNotenText(), vorher);
     // Two octaves up the melody runs past the highest string.
     u.el<QListWidget>("TrackList")->setCurrentRow(1);
     u.el<QSlider>("hsTranspo")->setValue(24);
     pruefen(36, 36, false, true, "Melodie zwei Oktaven höher");
 }
 
-TEST(Mischen, LegtDenTextInDieZwischenablageUndWarntBeiMehrstimmigkeit) {
+TEST(Zwischenablage, MischenUndKopierenLegenDenHarfenTextHinein) {
     FensterUmgebung u;
     MidiBauer lied(480);
     lied.spur().name("Tempo").tempo(0, 500000);
     lied.spur().name("Oben").note(0, 72, 480).note(0, 74, 480);
-    auto& akkorde = lied.spur().name("Akkorde");
-    akkorde.an(0, 1, 60).an(0, 1, 64).aus(480, 1, 60).aus(0, 1, 64);
-    const auto pfad = u.lied("mischen.mid", lied);
-    u.starten();
-    u.oeffnen(pfad);
-    QGuiApplication::clipboard()->setText(QStringLiteral("vorher"));
+    lied.spur().name("Akkorde").an(0, 1, 60).an(0, 1, 64).aus(480, 1, 60).aus(0, 1, 64);
+    u.startenMit(lied, "mischen.mid");
+    auto* mischen = u.el<QPushButton>("cmdSpurenMischen");
+    auto* kopieren = u.el<QPushButton>("cmdKopieren");
+    EXPECT_FALSE(kopieren->isEnabled()); // each load disables it
     u.el<QCheckBox>("chSpurMischen", 2)->click();
-    u.el<QPushButton>("cmdSpurenMischen")->click();
+    mischen->click();
     EXPECT_TRUE(u.nachrichten.empty());
-    const QString gemischt = QGuiApplication::clipboard()->text();
-    EXPECT_NE(gemischt, "vorher");
-    EXPECT_EQ(gemischt.toStdString(), u.programm().KLNCreator().getHarfeEventString());
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), u.programm().KLNCreator().getHarfeEventString());
 
     u.el<QCheckBox>("chSpurMischen", 3)->click();
-    u.el<QPushButton>("cmdSpurenMischen")->click();
+    mischen->click();
     ASSERT_EQ(u.nachrichten.size(), 1u);
     EXPECT_EQ(u.nachrichten[0].text,
               "Eine der ausgewählten Spuren ist polyphon!\n"
               "Das Trennen von Stimmen im Listen-Editor in Cantorix führt deshalb\n"
               "möglicherweise nicht zum gewünschten Ergebnis,\n"
               "da nicht jede Stimme (1 zu 1) einer Gitarren-Saite zugeordnet werden konnte.");
-}
+    // Mixing is on while at least one box is ticked.
+    u.el<QCheckBox>("chSpurMischen", 2)->click();
+    EXPECT_TRUE(mischen->isEnabled());
+    u.el<QCheckBox>("chSpurMischen", 3)->click();
+    EXPECT_FALSE(mischen->isEnabled());
 
-TEST(Automatik, DieZwischenablageHaeltDanachDenHarfenText) {
-    FensterUmgebung u;
-    MidiBauer lied(480, 0);
-    lied.spur().name("Lied").tempo(0, 500000).note(0, 67, 480).note(0, 69, 480).note(0, 71, 960);
-    const auto pfad = u.lied("auto.mid", lied);
-    u.starten();
-    QGuiApplication::clipboard()->setText(QStringLiteral("Create Harfe-Spur ") + QString::fromStdString(pfad.string()));
-    ASSERT_TRUE(u.start().automatischerLauf(QGuiApplication::clipboard()->text().toStdString()));
-    const std::string text = QGuiApplication::clipboard()->text().toStdString();
-    EXPECT_NE(text.find("Anzahl"), std::string::npos) << text;
-    EXPECT_EQ(text, u.programm().KLNCreator().getHarfeEventString());
-    EXPECT_TRUE(u.nachrichten.empty());
-}
-
-TEST(Kopieren, LegtDenHarfenTextDerGewaehltenSpurInDieZwischenablage) {
-    FensterUmgebung u;
-    const auto pfad = u.lied("lied.mid", liedMitDreiSpuren());
-    u.starten();
-    auto* kopieren = u.el<QPushButton>("cmdKopieren");
-    u.oeffnen(pfad);
-    EXPECT_FALSE(kopieren->isEnabled());  // each load disables it
     kopieren->setEnabled(true);
-    QGuiApplication::clipboard()->setText(QStringLiteral("vorher"));
     kopieren->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), u.fenster().klangNotenText());
-    EXPECT_NE(QGuiApplication::clipboard()->text(), "vorher");
 }
 
-TEST(Speichern, WorksDatenbankMitDenMeldungenDesSchreibers) {
-    FensterUmgebung u;
-    const auto pfad = u.lied("lied.mid", liedMitDreiSpuren());
-    u.starten();
-    u.oeffnen(pfad);
-    const auto ziel = u.ordner() / "lieder" / "lied.wdb";
-    u.dialogAntworten.push_back(QString::fromStdString(ziel.string()));
-    u.menue("mSpeichernAlsWDB")->trigger();
-    ASSERT_FALSE(u.dialogAufrufe.empty());
-    EXPECT_TRUE(u.dialogAufrufe.back().speichern);
-    EXPECT_EQ(u.dialogAufrufe.back().filter, "MS-Works-Datenbank  (*.wdb)");
-    ASSERT_EQ(u.nachrichten.size(), 1u);
-    EXPECT_EQ(u.nachrichten[0].text, "Daten gespeichert!");
-    EXPECT_EQ(std::filesystem::file_size(ziel), 80896u);
 
-    u.dialogAntworten.push_back(std::nullopt);
-    u.menue("mSpeichernAlsWDB")->trigger();
-    ASSERT_EQ(u.nachrichten.size(), 2u);
-    EXPECT_EQ(u.nachrichten[1].text, "Daten nicht gespeichert!");
-
-    u.dialogAntworten.push_back(QString::fromStdString((u.ordner() / "lieder" / "lied.txt").string()));
-    u.menue("mSpeichernAlsWDB")->trigger();
-    ASSERT_EQ(u.nachrichten.size(), 3u);
-    EXPECT_EQ(u.nachrichten[2].text, "Falsche Dateiendung!");
-    EXPECT_FALSE(std::filesystem::exists(u.ordner() / "lieder" / "lied.txt"));
-
-    // A folder that does not exist: the error is shown and the window goes on.
-    u.dialogAntworten.push_back(QString::fromStdString((u.ordner() / "fehlt" / "lied.wdb").string()));
-    u.menue("mSpeichernAlsWDB")->trigger();
-    ASSERT_EQ(u.nachrichten.size(), 4u);
-    EXPECT_NE(u.nachrichten[3].text, "Daten gespeichert!");
-    EXPECT_TRUE(u.fenster().isVisible());
-    EXPECT_EQ(std::filesystem::file_size(ziel), 80896u);
+TEST(Automatik, RechnetSpurEinsInDieZwischenablageUndEndetOhneFrage) {
+    MidiBauer lied(480);
+    lied.spur().name("Lied").tempo(0, 500000).note(0, 67, 480).note(0, 69, 480).note(0, 71, 960);
+    lied.spur().name("Bass").note(0, 48, 1920);
+    for (const bool fehlt : {false, true}) {
+        FensterUmgebung u;
+        const auto pfad = fehlt ? u.ordner() / "lieder" / "fehlt.mid" : lied.schreiben(u.ordner() / "lieder" / "auto.mid");
+        u.starten();
+        QGuiApplication::clipboard()->setText(QStringLiteral("Create Harfe-Spur ") + QString::fromStdString(pfad.string()));
+        ASSERT_TRUE(u.start().automatischerLauf(QGuiApplication::clipboard()->text().toStdString()));
+        EXPECT_TRUE(u.fenster().beendet());
+        EXPECT_FALSE(u.fenster().isVisible());
+        EXPECT_FALSE(std::filesystem::exists(u.userDaten()));
+        if (fehlt) {
+            // A missing file is reported, and the program ends all the same.
+            ASSERT_EQ(u.nachrichten.size(), 1u);
+            EXPECT_TRUE(u.nachrichten[0].text.contains(QStringLiteral("fehlt.mid")));
+            continue;
+        }
+        EXPECT_TRUE(u.nachrichten.empty());
+        EXPECT_EQ(u.einstellungen().SpurSelected()->Item(1)->Value(), 1);
+        const std::string text = QGuiApplication::clipboard()->text().toStdString();
+        EXPECT_NE(text.find("Anzahl"), std::string::npos) << text;
+        EXPECT_EQ(text, u.programm().KLNCreator().getHarfeEventString());
+    }
 }
 
 } // namespace
