@@ -1,11 +1,11 @@
-// The conversion engine driven through MIDI files built here and read by the program's reader.
+// The conversion engine: tracks read from MIDI files built here, and notes set directly and run
+// through the stages after reading.
 #include "support/EngineUmgebung.h"
 
-#include "model/Zahlen.h"
+#include "engine/TaktRaster.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <tuple>
 
 using namespace lyrabo;
@@ -14,53 +14,50 @@ using namespace lyrabo::test;
 namespace {
 
 struct Ton {
-    int32_t start;
-    int32_t laenge;
-    int ton;
-    int kanal = 1;
+    int32_t start, laenge;
+    int ton, spur = 0;
 };
-
-// Writes notes given by absolute start and length as Note On / Note Off events in time order; at
-// equal times the events keep the order of the list (an ending note before the next one starts).
-void schreibeNoten(MidiSpur& spur, const std::vector<Ton>& noten) {
-    struct Ereignis {
-        int32_t zeit;
-        bool an;
-        Ton t;
-    };
-    std::vector<Ereignis> ev;
-    for (const auto& n : noten) {
-        ev.push_back({n.start, true, n});
-        ev.push_back({n.start + n.laenge, false, n});
-    }
-    std::stable_sort(ev.begin(), ev.end(), [](const Ereignis& a, const Ereignis& b) { return a.zeit < b.zeit; });
-    int32_t jetzt = 0;
-    for (const auto& x : ev) {
-        const auto delta = static_cast<uint32_t>(x.zeit - jetzt);
-        jetzt = x.zeit;
-        if (x.an)
-            spur.an(delta, x.t.kanal, x.t.ton);
-        else
-            spur.aus(delta, x.t.kanal, x.t.ton);
-    }
-}
-
-MidiBauer dateiMit(const std::vector<Ton>& noten) {
-    MidiBauer d(480);
-    schreibeNoten(d.spur(), noten);
-    return d;
-}
-
-// A program with a file of these notes loaded and bars of 4/4 (unless told otherwise).
-struct Lauf : EngineUmgebung {
-    explicit Lauf(const std::vector<Ton>& noten, int takte = 8, EngineTakt takt = {1920, 4, 4}) {
-        laden(dateiMit(noten));
-        EngineUmgebung::takte(takte, takt);
-    }
-    std::shared_ptr<CKlangNote> note(int32_t i) { return noten()->Item(i); }
-};
-
+using Liste = std::vector<int32_t>;
 using Pause = std::tuple<int32_t, int32_t, int, int>; // start, length, pitch, chord
+
+// How a run is set up: bars, the switches the stages read, the grid and the ticks per quarter.
+struct Optionen {
+    int takte = 8;
+    EngineTakt takt = {1920, 4, 4};
+    bool legato = false, letzterTakt = false, punktiert = false;
+    int16_t quant = 0, tpqn = 480; // quant: QuantNotenwert, 0 keeps the program's
+};
+
+// These notes as KlangNoten (ID = place in the list), run through the stages after reading.
+struct Lauf : EngineUmgebung {
+    explicit Lauf(const std::vector<Ton>& toene, Optionen o = {}) {
+        e().TicksPerQuarterNote(o.tpqn);
+        if (o.quant) e().QuantNotenwert(o.quant);
+        e().Legato(o.legato);
+        e().PausenLetzterTakt(o.letzterTakt);
+        e().PunktiertePausen(o.punktiert);
+        takte(o.takte, o.takt);
+        std::vector<std::shared_ptr<CKlangNote>> v;
+        for (const auto& t : toene) {
+            auto& n = v.emplace_back(std::make_shared<CKlangNote>());
+            n->StartZeit(t.start);
+            n->Laenge(t.laenge);
+            n->LaengeOrig(t.laenge);
+            n->TonHoehe(static_cast<int16_t>(t.ton));
+            n->Spur(static_cast<int16_t>(t.spur));
+            n->ID(static_cast<int32_t>(v.size()));
+        }
+        noten()->ersetzeDurch(v);
+        EXPECT_TRUE(produce(false));
+    }
+};
+
+// One field of every note, in collection order.
+Liste je(EngineUmgebung& u, int32_t (CKlangNote::*feld)() const) {
+    Liste v;
+    for (const auto& n : *u.noten()) v.push_back(((*n).*feld)());
+    return v;
+}
 
 std::vector<Pause> pausenVon(EngineUmgebung& u) {
     std::vector<Pause> v;
@@ -68,318 +65,189 @@ std::vector<Pause> pausenVon(EngineUmgebung& u) {
     return v;
 }
 
+// The file loaded over bars of 4/4 and its first track converted.
+struct Gelesen : EngineUmgebung {
+    explicit Gelesen(const MidiBauer& d) {
+        laden(d);
+        takte(4, {1920, 4, 4});
+        ok = produce();
+    }
+    bool ok;
+};
+
 } // namespace
 
 // ---- reading the track ----
 
-TEST(EngineLesen, NotenMitZeitTonKanalUndLaengeWieGelesen) {
+TEST(EngineLesen, NotenWieGelesenUndNoteOffNachTonhoehe) {
     MidiBauer d(480);
     d.spur().name("Melodie").note(0, 60, 480, 1).note(240, 62, 240, 3).an(0, 2, 64).aus(480, 2, 64, false);
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(4, {1920, 4, 4});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), 3);
-    auto n2 = u.noten()->Item(2);
-    EXPECT_EQ(n2->StartZeit(), 720);
-    EXPECT_EQ(n2->Laenge(), 240);
-    EXPECT_EQ(n2->LaengeOrig(), 240);
-    EXPECT_EQ(n2->TonHoehe(), 62);
-    EXPECT_EQ(n2->TaktNr(), 1);
-    EXPECT_EQ(n2->ID(), 2);
+    Gelesen u(d);
+    ASSERT_TRUE(u.ok);
+    const auto& n = *u.noten()->Item(2);
+    EXPECT_EQ(std::tuple(n.StartZeit(), n.Laenge(), n.LaengeOrig(), n.TonHoehe(), n.TaktNr(), n.ID()),
+              std::tuple(720, 240, 240, 62, 1, 2));
     // A Note On with velocity 0 ends the note like a Note Off.
-    EXPECT_EQ(u.noten()->Item(3)->Laenge(), 480);
+    EXPECT_EQ(je(u, &CKlangNote::Laenge), (Liste{480, 240, 480}));
     EXPECT_TRUE(u.form.meldungen.empty());
-}
 
-TEST(EngineLesen, NoteOffEndetDieLetzteNoteDerTonhoeheGleichWelcherKanal) {
-    // Two overlapping notes of one pitch: both Note Offs end the later one; the earlier note keeps
-    // length 0 until the overlap pass lets it reach the later start.
-    MidiBauer d(480);
-    d.spur().an(0, 1, 60).an(480, 2, 60).aus(480, 1, 60).aus(480, 3, 60).note(0, 67, 480);
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(4, {1920, 4, 4});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), 3);
-    EXPECT_EQ(u.noten()->Item(1)->Laenge(), 480);
-    EXPECT_EQ(u.noten()->Item(1)->LaengeOrig(), 480);
-    EXPECT_EQ(u.noten()->Item(2)->StartZeit(), 480);
-    EXPECT_EQ(u.noten()->Item(2)->Laenge(), 960);
+    // Two overlapping notes of one pitch: both Note Offs, whatever the channel, end the later one;
+    // the earlier keeps length 0 until the overlap pass lets it reach the later start.
+    MidiBauer z(480);
+    z.spur().an(0, 1, 60).an(480, 2, 60).aus(480, 1, 60).aus(480, 3, 60).note(0, 67, 480);
+    Gelesen v(z);
+    ASSERT_TRUE(v.ok);
+    EXPECT_EQ(je(v, &CKlangNote::StartZeit), (Liste{0, 480, 1440}));
+    EXPECT_EQ(je(v, &CKlangNote::Laenge), (Liste{480, 960, 480}));
+    EXPECT_EQ(v.noten()->Item(1)->LaengeOrig(), 480);
 }
 
 TEST(EngineLesen, NoteOffOhneNoteMeldetUndBehaeltDasGelesene) {
     MidiBauer d(480);
     d.spur().note(0, 60, 475).aus(10, 1, 61).note(0, 62, 480);
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(4, {1920, 4, 4});
-    EXPECT_FALSE(u.produce());
-    ASSERT_EQ(u.form.meldungen.size(), 1u);
-    EXPECT_EQ(u.form.meldungen[0], "MIDI-File ist nicht in Ordnung.");
+    Gelesen u(d);
+    EXPECT_FALSE(u.ok);
+    EXPECT_EQ(u.form.meldungen, std::vector<std::string>{"MIDI-File ist nicht in Ordnung."});
     // The note read before stays, as read (not quantised), and nothing after it ran.
-    ASSERT_EQ(u.noten()->Count(), 1);
-    EXPECT_EQ(u.noten()->Item(1)->Laenge(), 475);
+    EXPECT_EQ(je(u, &CKlangNote::Laenge), Liste{475});
     EXPECT_TRUE(u.akkorde()->leer());
 }
 
-TEST(EngineLesen, MeldungGehtAnDasFensterDerEngineSonstAnDasDesProgramms) {
-    MidiBauer d(480);
-    d.spur().aus(0, 1, 61);
-    EngineUmgebung u;
-    EngineTestForm anderes;
-    u.engine().Form(&anderes);
-    u.laden(d);
-    EXPECT_FALSE(u.produce());
-    EXPECT_EQ(anderes.meldungen.size(), 1u);
-    EXPECT_TRUE(u.form.meldungen.empty());
-    u.engine().Form(nullptr);
-    EXPECT_FALSE(u.produce());
-    EXPECT_EQ(u.form.meldungen.size(), 1u);
+TEST(EngineLesen, LiedtextVorOderNachDenNotenUndSpurOhneNoten) {
+    using Texte = std::vector<std::string>;
+    auto texte = [](const MidiBauer& d) {
+        Gelesen u(d);
+        EXPECT_TRUE(u.ok);
+        Texte v;
+        for (const auto& n : *u.noten()) v.push_back(n->MsgText());
+        return v;
+    };
+    MidiBauer vor(480), nach(480), leer(480);
+    vor.spur().lyric(0, "ver").lyric(0, "Hal").note(0, 60, 480).note(0, 62, 480).lyric(0, "lo").note(0, 64, 480);
+    nach.spur().an(0, 1, 60).lyric(0, "Hal").aus(480, 1, 60).lyric(0, "lo").note(0, 62, 480);
+    leer.spur().name("leer").lyric(100, "la");
+    // Before the notes a later lyric replaces the waiting one; after them it goes to the last note.
+    EXPECT_EQ(texte(vor), (Texte{"Hal", "", "lo"}));
+    EXPECT_EQ(texte(nach), (Texte{"lo", ""}));
+    EXPECT_EQ(texte(leer), Texte{});
 }
 
-TEST(EngineLesen, SpurOhneNotenGibtLeereListenUndGelingt) {
-    MidiBauer d(480);
-    d.spur().name("leer").lyric(100, "la");
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(2, {1920, 4, 4});
-    EXPECT_TRUE(u.produce());
-    EXPECT_TRUE(u.noten()->leer());
-    EXPECT_TRUE(u.akkorde()->leer());
-    EXPECT_TRUE(u.pausen()->leer());
-}
+// ---- quantisation, duplicates, lengths ----
 
-TEST(EngineLesen, LiedtextVorDenNotenGehtAnDieNaechsteNote) {
-    MidiBauer d(480);
-    d.spur().lyric(0, "ver").lyric(0, "Hal").note(0, 60, 480).note(0, 62, 480).lyric(0, "lo").note(0, 64, 480);
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(2, {1920, 4, 4});
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.noten()->Item(1)->MsgText(), "Hal"); // a later lyric replaces the waiting one
-    EXPECT_EQ(u.noten()->Item(2)->MsgText(), "");
-    EXPECT_EQ(u.noten()->Item(3)->MsgText(), "lo");
-}
-
-TEST(EngineLesen, LiedtextNachDenNotenGehtAnDieLaufendeNote) {
-    MidiBauer d(480);
-    d.spur().an(0, 1, 60).lyric(0, "Hal").aus(480, 1, 60).lyric(0, "lo").note(0, 62, 480);
-    EngineUmgebung u;
-    u.laden(d);
-    u.takte(2, {1920, 4, 4});
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.noten()->Item(1)->MsgText(), "lo");
-    EXPECT_EQ(u.noten()->Item(2)->MsgText(), "");
-}
-
-// ---- quantisation ----
-
-TEST(EngineQuantisierung, RundetAufDasRasterHalbeNachOben) {
-    // QuantTicks 120: 59 -> 0, 60 -> 120, 181 -> 240; a length of 50 becomes 0 and stays.
+TEST(EngineQuantisierung, RundetAufDasRasterHalbeNachObenUndHalbesRasterGerade) {
+    // QuantTicks 120: 59 -> 0, 60 -> 120, 181 -> 240; a length of 50 becomes 0, which the overlap
+    // pass then sets to reach the next start.
     Lauf u({{59, 480, 60}, {1020, 480, 62}, {2101, 480, 64}, {2880, 50, 65}, {3840, 480, 67}});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), 5);
-    EXPECT_EQ(u.note(1)->StartZeit(), 0);
-    EXPECT_EQ(u.note(2)->StartZeit(), 1080);
-    EXPECT_EQ(u.note(3)->StartZeit(), 2160);
-    EXPECT_EQ(u.note(4)->StartZeit(), 2880);
-    // The length 0 from quantising is then set to reach the next start by the overlap pass.
-    EXPECT_EQ(u.note(4)->Laenge(), 960);
-    EXPECT_EQ(u.note(4)->LaengeOrig(), 960);
-}
+    EXPECT_EQ(je(u, &CKlangNote::StartZeit), (Liste{0, 1080, 2160, 2880, 3840}));
+    EXPECT_EQ(u.noten()->Item(4)->Laenge(), 960);
+    EXPECT_EQ(u.noten()->Item(4)->LaengeOrig(), 960);
 
-TEST(EngineQuantisierung, HalbesRasterWirdGeradeGerundet) {
     // 48 ticks per quarter and a grid of 5: half the grid is 2 (2.5 to even), so a remainder of 2
-    // rounds up.
-    MidiBauer d(48);
-    d.spur().note(7, 60, 12).note(12, 62, 12).note(100, 64, 12);
-    EngineUmgebung u;
-    u.laden(d);
-    u.e().QuantNotenwert(5);
-    ASSERT_EQ(u.e().QuantTicks(), 5);
-    u.takte(4, {192, 4, 4});
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.noten()->Item(1)->StartZeit(), 10); // 7: remainder 2 -> up
-    EXPECT_EQ(u.noten()->Item(2)->StartZeit(), 30); // 31: remainder 1 -> down
-    EXPECT_EQ(u.noten()->Item(1)->Laenge(), 15);    // 12: remainder 2 -> up
-    EXPECT_EQ(u.noten()->Item(1)->LaengeOrig(), 12);
+    // rounds up: starts 7 -> 10, 31 -> 30, lengths 12 -> 15.
+    Lauf v({{7, 12, 60}, {31, 12, 62}, {143, 12, 64}}, {.takte = 4, .takt = {192, 4, 4}, .quant = 5, .tpqn = 48});
+    EXPECT_EQ(je(v, &CKlangNote::StartZeit), (Liste{10, 30, 145}));
+    EXPECT_EQ(je(v, &CKlangNote::Laenge), (Liste{15, 15, 15}));
 }
 
-// ---- duplicates ----
-
-TEST(EngineDoppelte, NachbarGehtDieSpaetereBleibt) {
-    Lauf u({{0, 480, 60}, {0, 480, 60}, {480, 480, 62}});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), 2);
-    EXPECT_EQ(u.note(1)->ID(), 2);
-}
-
-TEST(EngineDoppelte, MitNotenDazwischenGehtDieNoteVorDemDoppel) {
-    // 60, 64, 60 at one start: the second 60 is found at j = 3 and item 2 (the 64) goes.
-    Lauf u({{0, 480, 60}, {0, 480, 64}, {0, 480, 60}, {480, 480, 62}});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), 3);
-    EXPECT_EQ(u.note(1)->ID(), 1);
-    EXPECT_EQ(u.note(2)->ID(), 3);
-    EXPECT_EQ(u.note(2)->TonHoehe(), 60);
-
+TEST(EngineDoppelte, IndexregelMitUndOhneNotenDazwischen) {
+    // Neighbours: the earlier goes, the later stays with the larger track number.
+    Lauf u({{0, 480, 60, 5}, {0, 480, 60, 3}, {480, 480, 62}});
+    EXPECT_EQ(je(u, &CKlangNote::ID), (Liste{2, 3}));
+    EXPECT_EQ(u.noten()->Item(1)->Spur(), 5);
+    // After that removal the note moving into place 2 is not compared: 60 60 60 keeps two.
+    Lauf x({{0, 480, 60}, {0, 480, 60}, {0, 480, 60}, {480, 480, 62}});
+    EXPECT_EQ(je(x, &CKlangNote::ID), (Liste{2, 3, 4}));
+    // 60, 64, 60 at one start: the second 60 is found at j = 3 and item 2 (the 64) goes; the found
+    // 60 still takes the larger track number.
+    Lauf v({{0, 480, 60, 5}, {0, 480, 64}, {0, 480, 60, 3}, {480, 480, 62}});
+    EXPECT_EQ(je(v, &CKlangNote::ID), (Liste{1, 3, 4}));
+    EXPECT_EQ(v.noten()->Item(2)->Spur(), 5);
     // After a removal the note moving into place j is skipped: 60 64 60 60 60 -> the 64 goes,
     // the 60 moving into place 3 is skipped, the next 60 is found and the skipped one goes; then
     // the second note's duplicate is its neighbour, so the second note itself goes.
-    Lauf v({{0, 480, 60}, {0, 480, 64}, {0, 480, 60}, {0, 480, 60}, {0, 480, 60}, {480, 480, 62}});
-    ASSERT_TRUE(v.produce());
-    std::vector<int32_t> ids;
-    for (const auto& n : *v.noten()) ids.push_back(n->ID());
-    EXPECT_EQ(ids, (std::vector<int32_t>{1, 5, 6}));
+    Lauf w({{0, 480, 60}, {0, 480, 64}, {0, 480, 60}, {0, 480, 60}, {0, 480, 60}, {480, 480, 62}});
+    EXPECT_EQ(je(w, &CKlangNote::ID), (Liste{1, 5, 6}));
 }
 
-TEST(EngineDoppelte, DieBleibendeNoteErhaeltDieGroessereSpur) {
-    Lauf u({{0, 480, 60}, {0, 480, 60}, {480, 480, 62}});
-    ASSERT_TRUE(u.produce());
-    // Stamp track numbers as merged notes carry them and run the stages again on the same notes.
-    auto noten = u.noten()->alsVektor();
-    auto a = std::make_shared<CKlangNote>(*noten[0]);
-    a->Spur(5);
-    auto b = std::make_shared<CKlangNote>(*noten[0]);
-    b->Spur(3);
-    b->ID(9);
-    u.noten()->ersetzeDurch({a, b, noten[1]});
-    ASSERT_TRUE(u.produce(false));
-    ASSERT_EQ(u.noten()->Count(), 2);
-    EXPECT_EQ(u.note(1)->ID(), 9);
-    EXPECT_EQ(u.note(1)->Spur(), 5);
-}
-
-// ---- length correction ----
-
-TEST(EngineLaengen, UeberlappungImAkkordUndDieLetzteNote) {
+TEST(EngineLaengen, UeberlappungImAkkordLetzteNoteUndTaktschnitt) {
     // A chord followed only by the last note: the search for the next start steps over the
     // chord's second note, reaches the count and gives up, so the first chord note keeps its
     // length; the second finds the last note directly and is trimmed.
     Lauf u({{0, 1440, 60}, {0, 1440, 64}, {480, 480, 67}});
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.note(1)->Laenge(), 1440);
-    EXPECT_EQ(u.note(1)->LaengeOrig(), 1440);
-    EXPECT_EQ(u.note(2)->Laenge(), 480);
-    EXPECT_EQ(u.note(2)->LaengeOrig(), 480);
-
+    EXPECT_EQ(je(u, &CKlangNote::Laenge), (Liste{1440, 480, 480}));
+    EXPECT_EQ(je(u, &CKlangNote::LaengeOrig), (Liste{1440, 480, 480}));
     // One more note behind it: now both chord notes reach the next start.
     Lauf v({{0, 1440, 60}, {0, 1440, 64}, {480, 480, 67}, {960, 480, 69}});
-    ASSERT_TRUE(v.produce());
-    EXPECT_EQ(v.note(1)->Laenge(), 480);
-    EXPECT_EQ(v.note(2)->Laenge(), 480);
-}
-
-TEST(EngineLaengen, LetzteNoteBehaeltLaengeNullUndGanzeNoteIstGrenze) {
-    Lauf u({{0, 2400, 60}, {1920, 0, 62}});
-    ASSERT_TRUE(u.produce());
-    // Limited to a whole note (4 x 480), together with LaengeOrig.
-    EXPECT_EQ(u.note(1)->Laenge(), 1920);
-    EXPECT_EQ(u.note(1)->LaengeOrig(), 1920);
-    EXPECT_EQ(u.note(2)->Laenge(), 0);
-}
-
-TEST(EngineLaengen, TaktschnittUeberDreiTakte) {
+    EXPECT_EQ(je(v, &CKlangNote::Laenge), (Liste{480, 480, 480, 480}));
+    // At most a whole note (4 x 480), LaengeOrig too; the last note keeps length 0.
+    Lauf w({{0, 2400, 60}, {1920, 0, 62}});
+    EXPECT_EQ(je(w, &CKlangNote::Laenge), (Liste{1920, 0}));
+    EXPECT_EQ(je(w, &CKlangNote::LaengeOrig), (Liste{1920, 0}));
     // Bars of 2/4: a note from 720 over 1,500 ticks ends in bar 3 and is cut at that bar's start
     // (1920), keeping the first two bars; LaengeOrig stays.
-    Lauf u({{720, 1500, 60}}, 4, {960, 2, 4});
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.note(1)->Laenge(), 1200);
-    EXPECT_EQ(u.note(1)->LaengeOrig(), 1500);
-    EXPECT_EQ(u.note(1)->TaktNr(), 1);
+    Lauf x({{720, 1500, 60}}, {.takte = 4, .takt = {960, 2, 4}});
+    EXPECT_EQ(je(x, &CKlangNote::Laenge), Liste{1200});
+    EXPECT_EQ(je(x, &CKlangNote::LaengeOrig), Liste{1500});
+    EXPECT_EQ(x.noten()->Item(1)->TaktNr(), 1);
 }
 
 TEST(EngineLaengen, LegatoNurDieLetzteAkkordnoteUndNurBeiLuecke) {
-    // Bars of 8/4. Chord 1 ends at 240 with the next chord at 960: its last note reaches 960 (an
-    // allowed length); chord 2 ends at 1440 with a gap to 2520: 1560 is not allowed, 1440 is.
-    // Chord 3 touches chord 4 and stays.
-    Lauf u({{0, 240, 64}, {0, 240, 60}, {960, 480, 62}, {2520, 360, 64}, {2880, 480, 65}}, 2, {3840, 8, 4});
-    u.e().Legato(true);
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    // Chord 1 is ordered 60, 64: the 64 is its last note.
-    EXPECT_EQ(u.akkorde()->Item(1)->Item(1)->TonHoehe(), 60);
-    EXPECT_EQ(u.akkorde()->Item(1)->Item(1)->Laenge(), 240);
-    EXPECT_EQ(u.akkorde()->Item(1)->Item(2)->Laenge(), 960);
-    EXPECT_EQ(u.akkorde()->Item(1)->Item(2)->LaengeOrig(), 240);
-    EXPECT_EQ(u.akkorde()->Item(2)->Item(1)->Laenge(), 1440);
-    EXPECT_EQ(u.akkorde()->Item(3)->Item(1)->Laenge(), 360);
-    // Without legato the gap stays a rest.
-    Lauf v({{0, 240, 64}, {0, 240, 60}, {960, 480, 62}});
-    v.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(v.produce());
-    EXPECT_EQ(v.akkorde()->Item(1)->Item(2)->Laenge(), 240);
-    EXPECT_EQ(pausenVon(v), (std::vector<Pause>{{240, 240, 64, 1}, {480, 480, 64, 1}}));
+    // Bars of 8/4. Chord 1 (ordered 60, 64) ends at 240 with the next chord at 960: only its last
+    // note, the 64, reaches 960 (an allowed length); chord 2 ends at 1440 with a gap to 2520: 1560
+    // is not allowed, 1440 is. Chord 3 touches chord 4 and stays.
+    Lauf u({{0, 240, 64}, {0, 240, 60}, {960, 480, 62}, {2520, 360, 64}, {2880, 480, 65}},
+           {.takte = 2, .takt = {3840, 8, 4}, .legato = true});
+    EXPECT_EQ(je(u, &CKlangNote::Laenge), (Liste{960, 240, 1440, 360, 480}));
+    EXPECT_EQ(u.noten()->Item(1)->LaengeOrig(), 240);
     // Stepping down to an allowed length can leave a short gap, which becomes a rest.
     EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{2400, 120, 62, 2}}));
+    // Without legato the gap stays a rest.
+    Lauf v({{0, 240, 64}, {0, 240, 60}, {960, 480, 62}});
+    EXPECT_EQ(je(v, &CKlangNote::Laenge), (Liste{240, 240, 480}));
 }
 
-TEST(EngineLaengen, LegatoOhneErreichbareLaengeLaeuftUeberUndDasProgrammGehtWeiter) {
-    // A grid of 50 ticks never steps from 1000 onto an allowed length: the 16-bit steps run out.
-    Lauf u({{0, 100, 60}, {1000, 480, 62}});
-    u.e().QuantNotenwert(5);
-    u.e().Legato(true);
-    EXPECT_THROW(u.produce(), UeberlaufFehler);
-    u.e().Legato(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.note(1)->Laenge(), 100);
+TEST(EngineTakte, TaktRasterAnDenRaendern) {
+    // Bar k runs from the sum of the first k - 1 lengths up to, not including, the sum of k; there
+    // is no bar (0) before tick 0 or from the end of the table on.
+    EngineUmgebung u;
+    u.takte(3, {1920, 4, 4});
+    const CTaktRaster r(u.e());
+    const std::pair<int32_t, int> faelle[] = {{-1, 0}, {0, 1}, {1919, 1}, {1920, 2}, {5759, 3}, {5760, 0}};
+    for (auto [t, nr] : faelle) EXPECT_EQ(r.taktNr(t), nr) << t;
+    EXPECT_EQ(std::tuple(r.taktStart(0), r.taktStart(3), r.taktStart(4), r.taktEnde(3)), std::tuple(0, 3840, 5760, 5760));
+    EXPECT_THROW(r.taktStart(5), IndexFehler);
+    EXPECT_THROW(r.taktLaenge(0), IndexFehler);
+    EXPECT_THROW(r.taktLaenge(4), IndexFehler);
 }
 
-// ---- chords and monophony ----
-
-TEST(EngineAkkorde, TonhoeheAufsteigendLaengereNachVorn) {
-    Lauf u({{0, 480, 64}, {0, 480, 60}, {0, 480, 67}, {480, 480, 64}, {480, 480, 60}, {480, 960, 67}, {1440, 480, 60}});
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.akkorde()->Count(), 3);
-    auto tonfolge = [&](int k) {
-        std::vector<std::pair<int, int>> v;
-        for (const auto& n : *u.akkorde()->Item(k)) v.emplace_back(n->TonHoehe(), n->Kanal());
-        return v;
-    };
-    EXPECT_EQ(tonfolge(1), (std::vector<std::pair<int, int>>{{60, 1}, {64, 2}, {67, 3}}));
-    EXPECT_EQ(tonfolge(2), (std::vector<std::pair<int, int>>{{67, 1}, {60, 2}, {64, 3}}));
-    for (const auto& n : *u.akkorde()->Item(2)) EXPECT_EQ(n->AkkordNr(), 2);
-    // The chords hold the very notes of KlangNoten.
-    EXPECT_EQ(u.akkorde()->Item(3)->Item(1).get(), u.note(7).get());
-}
+// ---- monophony ----
 
 TEST(EngineAkkorde, EinstimmigkeitBleibtFalschBisDasFensterSieZuruecksetzt) {
+    // Track 1 plays one voice, track 2 a chord.
     MidiBauer d(480);
-    schreibeNoten(d.spur(), {{0, 480, 60}, {0, 480, 64}, {480, 480, 62}});
-    schreibeNoten(d.spur(), {{0, 480, 60}, {480, 480, 62}});
-    EngineUmgebung u;
-    u.laden(d, 2);
-    u.takte(2, {1920, 4, 4});
-    ASSERT_TRUE(u.produce());
-    EXPECT_TRUE(u.engine().IsMonoton());
-    EXPECT_EQ(u.e().ClipExportFlags()->Item(8)->Value(), 1);
-
-    u.e().TrackNr(1);
-    ASSERT_TRUE(u.produce());
-    EXPECT_FALSE(u.engine().IsMonoton());
-    EXPECT_EQ(u.e().ClipExportFlags()->Item(8)->Value(), 0);
-
+    d.spur().note(0, 60, 480).note(0, 62, 480);
+    d.spur().an(0, 1, 60).an(0, 1, 64).aus(480, 1, 60).aus(0, 1, 64).note(0, 62, 480);
+    Gelesen u(d);
+    // Converts a track; gives IsMonoton and item 8 of ClipExportFlags.
+    auto lauf = [&](int16_t spur) {
+        u.e().TrackNr(spur);
+        EXPECT_TRUE(u.produce());
+        return std::pair<bool, int>(u.engine().IsMonoton(), u.e().ClipExportFlags()->Item(8)->Value());
+    };
+    EXPECT_EQ(lauf(1), std::pair(true, 1));
+    EXPECT_EQ(lauf(2), std::pair(false, 0));
     // A one-voice track afterwards does not turn it back ...
-    u.e().TrackNr(2);
-    ASSERT_TRUE(u.produce());
-    EXPECT_FALSE(u.engine().IsMonoton());
-    EXPECT_EQ(u.e().ClipExportFlags()->Item(8)->Value(), 0);
+    EXPECT_EQ(lauf(1), std::pair(false, 0));
     // ... until the window sets it true before converting.
     u.engine().IsMonoton(true);
-    ASSERT_TRUE(u.produce());
-    EXPECT_TRUE(u.engine().IsMonoton());
-    EXPECT_EQ(u.e().ClipExportFlags()->Item(8)->Value(), 1);
+    EXPECT_EQ(lauf(1), std::pair(true, 1));
 }
 
 // ---- writable lengths from the position in the beat ----
 
-TEST(EngineNotenInTakt, JedeZeileDerTabelle) {
-    struct Fall {
-        int pos, einheiten, erwartet;
-    };
-    const std::vector<Fall> faelle = {
+TEST(EngineNotenInTakt, JedeZeileDerTabelleUndDieRaender) {
+    // pos (units after the beat), length in units, expected length in units
+    const int faelle[][3] = {
         {0, 5, 4},  {0, 7, 6},  {0, 9, 8},   {0, 10, 8},  {0, 11, 8},  {0, 13, 12}, {0, 14, 12}, {0, 15, 12},
         {0, 6, 6},  {0, 12, 12}, {0, 4, 4},  {1, 4, 3},   {1, 5, 3},   {1, 6, 3},   {1, 7, 3},   {1, 9, 8},
         {1, 10, 8}, {1, 11, 8}, {1, 13, 12}, {1, 14, 14}, {1, 15, 15}, {1, 8, 8},   {2, 5, 4},   {2, 7, 6},
@@ -387,79 +255,56 @@ TEST(EngineNotenInTakt, JedeZeileDerTabelle) {
     };
     // Each note alone in a bar of 8/4, so nothing else shortens it.
     std::vector<Ton> noten;
-    for (size_t k = 0; k < faelle.size(); ++k)
-        noten.push_back({static_cast<int32_t>(k) * 3840 + faelle[k].pos * 120, faelle[k].einheiten * 120, 60});
-    Lauf u(noten, static_cast<int>(faelle.size()) + 1, {3840, 8, 4});
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    ASSERT_EQ(u.noten()->Count(), static_cast<int32_t>(faelle.size()));
-    for (size_t k = 0; k < faelle.size(); ++k) {
-        const auto& n = u.note(static_cast<int32_t>(k) + 1);
-        EXPECT_EQ(n->Laenge(), faelle[k].erwartet * 120) << "pos " << faelle[k].pos << ", " << faelle[k].einheiten << " units";
-        EXPECT_EQ(n->LaengeOrig(), faelle[k].einheiten * 120);
+    Liste erwartet, orig;
+    for (const auto& [pos, einheiten, neu] : faelle) {
+        noten.push_back({static_cast<int32_t>(noten.size()) * 3840 + pos * 120, einheiten * 120, 60});
+        erwartet.push_back(neu * 120);
+        orig.push_back(einheiten * 120);
     }
-}
-
-TEST(EngineNotenInTakt, MehrAlsDreiEinheitenNachDemSchlagUndKrummeLaengen) {
+    Lauf u(noten, {.takte = static_cast<int>(noten.size()) + 1, .takt = {3840, 8, 4}});
+    EXPECT_EQ(je(u, &CKlangNote::Laenge), erwartet);
+    EXPECT_EQ(je(u, &CKlangNote::LaengeOrig), orig);
     // A grid of 10 ticks keeps 450 (3.75 units after the beat: position 4) and a length of 610.
-    Lauf u({{450, 600, 60}, {3840, 610, 62}, {7680, 600, 64}}, 4, {3840, 8, 4});
-    u.e().QuantNotenwert(1);
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.note(1)->Laenge(), 600);
-    EXPECT_EQ(u.note(2)->Laenge(), 610);
-    EXPECT_EQ(u.note(3)->Laenge(), 480);
-}
-
-TEST(EngineNotenInTakt, DreiAchtelTestWieGeschrieben) {
+    Lauf x({{450, 600, 60}, {3840, 610, 62}, {7680, 600, 64}}, {.takte = 4, .takt = {3840, 8, 4}, .quant = 1});
+    EXPECT_EQ(je(x, &CKlangNote::Laenge), (Liste{600, 610, 480}));
     // The beat is a dotted quarter only where 2 to the stored denominator is 8, i.e. a stored 3;
     // with the real denominator 8 the beat stays a quarter.
-    Lauf u({{360, 600, 60}}, 2, {1440, 3, 3});
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(u.note(1)->Laenge(), 480); // on the beat of 360: 5 -> 4
-
-    Lauf v({{360, 600, 60}}, 2, {1440, 3, 8});
-    v.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(v.produce());
-    EXPECT_EQ(v.note(1)->Laenge(), 360); // 3 units after the quarter: 5 -> 3
+    Lauf v({{360, 600, 60}}, {.takte = 2, .takt = {1440, 3, 3}});
+    EXPECT_EQ(je(v, &CKlangNote::Laenge), Liste{480}); // on the beat of 360: 5 -> 4
+    Lauf w({{360, 600, 60}}, {.takte = 2, .takt = {1440, 3, 8}});
+    EXPECT_EQ(je(w, &CKlangNote::Laenge), Liste{360}); // 3 units after the quarter: 5 -> 3
 }
 
 // ---- rests ----
 
-TEST(EnginePausen, LueckeAufDemSchlagWirdLangUndKurzGeteilt) {
-    Lauf u({{0, 480, 60}, {1080, 240, 62}, {1920, 480, 64}, {3720, 120, 65}});
-    u.e().PausenLetzterTakt(false);
-    u.e().PunktiertePausen(true);
-    ASSERT_TRUE(u.produce());
+TEST(EnginePausen, LueckenWerdenAnSchlagUndTaktGeteiltLangVorKurz) {
+    Lauf u({{0, 480, 60}, {1080, 240, 62}, {1920, 480, 64}, {3720, 120, 65}, {3840, 120, 66}, {4680, 480, 67}},
+           {.punktiert = true});
     EXPECT_EQ(pausenVon(u), (std::vector<Pause>{
                                 {480, 480, 60, 1}, {960, 120, 60, 1},   // 5 units: 4 + 1
-                                {1320, 120, 62, 2}, {1440, 480, 62, 2},   // off the beat: to it, then 4
-                                {2400, 960, 64, 3}, {3360, 360, 64, 3},   // 11 units: 8 + 3
+                                {1320, 120, 62, 2}, {1440, 480, 62, 2}, // off the beat: to it, then 4
+                                {2400, 960, 64, 3}, {3360, 360, 64, 3}, // 11 units: 8 + 3
+                                {3960, 360, 66, 5}, {4320, 360, 66, 5}, // 6 units after a beat: 3 + 3
                             }));
     for (const auto& p : *u.pausen()) EXPECT_EQ(p->TaktNr(), 0);
+    // Touching chords leave no rest; the leading rest carries the pitch of the first chord's last
+    // note and chord number 0.
+    Lauf v({{480, 480, 64}, {480, 480, 60}, {960, 960, 62}});
+    EXPECT_EQ(pausenVon(v), (std::vector<Pause>{{0, 480, 64, 0}}));
+    // Bar 1 made 8/4: the gap from 480 runs past its end and goes in pieces of at most a whole
+    // note up to the bar line; in bar 2 (4/4) the rest is one piece.
+    Lauf y({{0, 480, 60}, {4320, 480, 62}}, {.takte = 3, .punktiert = true});
+    y.e().MFITaktLaengen()->Item(1)->Value(3840);
+    y.e().Numeratoren()->Item(1)->Value(8);
+    ASSERT_TRUE(y.produce(false));
+    EXPECT_EQ(pausenVon(y), (std::vector<Pause>{{480, 1920, 60, 1}, {2400, 1440, 60, 1}, {3840, 480, 60, 1}}));
+    // A gap of 18 units inside the long bar is one piece: no rest at all.
+    Lauf z({{0, 480, 60}, {2640, 480, 62}}, {.takte = 2, .takt = {3840, 8, 4}});
+    EXPECT_TRUE(z.pausen()->leer());
 }
 
-TEST(EnginePausen, LueckeNebenDemSchlagWirdErstBisZumSchlagGefuellt) {
-    // 6 units starting one unit after a beat: 3 up to the beat, then 3.
-    Lauf u({{0, 120, 60}, {840, 480, 62}});
-    u.e().PausenLetzterTakt(false);
-    u.e().PunktiertePausen(true);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{120, 360, 60, 1}, {480, 360, 60, 1}}));
-}
-
-TEST(EnginePausen, BeruehrendeAkkordeKeinePauseUndFuehrendePause) {
-    // The leading rest carries the pitch of the first chord's last note and chord number 0.
-    Lauf u({{480, 480, 64}, {480, 480, 60}, {960, 960, 62}});
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{0, 480, 64, 0}}));
-}
-
-TEST(EnginePausen, LetzterTaktMitUndOhneFuellung) {
-    Lauf u({{0, 480, 60}, {1920, 480, 62}});
-    ASSERT_TRUE(u.produce());
+TEST(EnginePausen, LetzterTaktMitUndOhneFuellungUndPunktiertePausen) {
+    Lauf u({{0, 480, 60}, {1920, 480, 62}}, {.letzterTakt = true});
     EXPECT_EQ(pausenVon(u), (std::vector<Pause>{
                                 {480, 960, 60, 1}, {1440, 480, 60, 1}, // 12 units: dotted half split
                                 {2400, 960, 62, 2}, {3360, 480, 62, 2},
@@ -468,35 +313,13 @@ TEST(EnginePausen, LetzterTaktMitUndOhneFuellung) {
     ASSERT_TRUE(u.produce(false));
     EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{480, 960, 60, 1}, {1440, 480, 60, 1}}));
     // A note ending right at the bar line leaves nothing to fill.
-    Lauf v({{0, 1920, 60}});
-    ASSERT_TRUE(v.produce());
+    Lauf v({{0, 1920, 60}}, {.letzterTakt = true});
     EXPECT_TRUE(v.pausen()->leer());
-}
 
-TEST(EnginePausen, PunktiertePausenNurWennErlaubt) {
     // 6 units on the beat: a dotted quarter, or 4 + 2 at the same place.
-    Lauf u({{0, 480, 60}, {1200, 480, 62}});
-    u.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{480, 480, 60, 1}, {960, 240, 60, 1}}));
-    u.e().PunktiertePausen(true);
-    ASSERT_TRUE(u.produce(false));
-    EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{480, 720, 60, 1}}));
-}
-
-TEST(EnginePausen, LangeTakteInGanzenNotenUndZuLangeLueckenOhnePause) {
-    // Bar 1 of 8/4: the gap from 480 runs past its end and goes in pieces of at most a whole
-    // note up to the bar line; in bar 2 (4/4) the rest is one piece.
-    Lauf u({{0, 480, 60}, {4320, 480, 62}}, 3, {1920, 4, 4});
-    u.takte({{3840, 8, 4}, {1920, 4, 4}, {1920, 4, 4}});
-    u.e().PausenLetzterTakt(false);
-    u.e().PunktiertePausen(true);
-    ASSERT_TRUE(u.produce());
-    EXPECT_EQ(pausenVon(u), (std::vector<Pause>{{480, 1920, 60, 1}, {2400, 1440, 60, 1}, {3840, 480, 60, 1}}));
-
-    // A gap of 18 units inside the long bar is one piece: no rest at all.
-    Lauf v({{0, 480, 60}, {2640, 480, 62}}, 2, {3840, 8, 4});
-    v.e().PausenLetzterTakt(false);
-    ASSERT_TRUE(v.produce());
-    EXPECT_TRUE(v.pausen()->leer());
+    Lauf w({{0, 480, 60}, {1200, 480, 62}});
+    EXPECT_EQ(pausenVon(w), (std::vector<Pause>{{480, 480, 60, 1}, {960, 240, 60, 1}}));
+    w.e().PunktiertePausen(true);
+    ASSERT_TRUE(w.produce(false));
+    EXPECT_EQ(pausenVon(w), (std::vector<Pause>{{480, 720, 60, 1}}));
 }

@@ -16,43 +16,26 @@ class EngineTestForm : public IForm {
 public:
     void meldung(const std::string& text) override { meldungen.push_back(text); }
     int16_t ausgewaehlteSpurZeile() const override { return zeile; }
-    void spaltenFaerben(const std::array<Farbe, 37>& f, Farbe l, Farbe r) override {
-        felder = f;
+    void spaltenFaerben(const std::array<Farbe, 37>&, Farbe l, Farbe r) override {
         links = l;
         rechts = r;
-        ++faerbungen;
     }
-    void setZwischenablage(const std::string& text) override {
-        zwischenablage = text;
-        ++zwischenablageGesetzt;
-    }
+    void setZwischenablage(const std::string& text) override { zwischenablage.push_back(text); }
 
-    std::vector<std::string> meldungen;
+    std::vector<std::string> meldungen, zwischenablage;
     int16_t zeile = 0;
-    std::array<Farbe, 37> felder{};
     Farbe links{}, rechts{};
-    int faerbungen = 0;
-    std::string zwischenablage;
-    int zwischenablageGesetzt = 0;
 };
 
 // One bar of the bar tables: length in ticks, numerator, denominator as stored.
-struct EngineTakt {
-    int32_t laenge;
-    int16_t zaehler;
-    int16_t nenner;
-};
+using EngineTakt = std::array<int16_t, 3>;
 
 class EngineUmgebung {
 public:
+    // Connected as opening a file connects the engine: window, reader and the global collections.
     EngineUmgebung() : programm(ordner.pfad(), form) {
         programm.initGlobals();
-        verbinden();
-    }
-
-    // What opening a file hands the engine: window, reader and the global collections.
-    void verbinden() {
-        auto& k = programm.KLNCreator();
+        auto& k = engine();
         k.Form(&form);
         k.MIDIFile(&programm.Midifile1);
         k.KlangNoten(programm.KlangNoten);
@@ -67,8 +50,8 @@ public:
         e().TrackNr(spur);
     }
 
-    // Opens the file as the window does (written beside the program, loaded without a dialog),
-    // then computes the bar tables for the track as a conversion does before it runs.
+    // Opens the file as the window does, then computes the bar tables for the track as a
+    // conversion does before it runs.
     void oeffnen(const MidiBauer& datei, int16_t spur) {
         e().MIDIFilePath(datei.schreiben(ordner / "lied.mid").string());
         programm.openMIDIFile(2);
@@ -76,16 +59,18 @@ public:
         programm.MIDIFileSetsESVarsFrmIntern(spur);
     }
 
-    // Bar tables as opening the file would set them, bar k at position k.
-    void takte(const std::vector<EngineTakt>& liste) {
+    // Bar tables as opening the file would set them: `anzahl` bars like `t`.
+    void takte(int anzahl, EngineTakt t) {
         e().initTaktLaengen();
-        for (const auto& t : liste) {
-            anhaengen(e().MFITaktLaengen(), static_cast<int16_t>(t.laenge));
-            anhaengen(e().Numeratoren(), t.zaehler);
-            anhaengen(e().Denominatoren(), t.nenner);
-        }
+        const SammlungRef<CInteger> tabellen[] = {e().MFITaktLaengen(), e().Numeratoren(), e().Denominatoren()};
+        for (int16_t k = 1; k <= anzahl; ++k)
+            for (size_t i = 0; i < 3; ++i) {
+                auto wert = std::make_shared<CInteger>();
+                wert->Value(t[i]);
+                wert->ID(k);
+                tabellen[i]->Add(wert);
+            }
     }
-    void takte(int anzahl, EngineTakt t) { takte(std::vector<EngineTakt>(static_cast<size_t>(anzahl), t)); }
 
     CKLNCreator& engine() { return programm.KLNCreator(); }
     CEinstellungen& e() { return programm.Einstellungen(); }
@@ -97,14 +82,6 @@ public:
     TestOrdner ordner;
     EngineTestForm form;
     CProgramm programm;
-
-private:
-    static void anhaengen(const SammlungRef<CInteger>& tabelle, int16_t wert) {
-        auto i = std::make_shared<CInteger>();
-        i->Value(wert);
-        i->ID(static_cast<int16_t>(tabelle->Count() + 1));
-        tabelle->Add(i);
-    }
 };
 
 } // namespace lyrabo::test
