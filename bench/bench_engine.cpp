@@ -125,7 +125,15 @@ struct Stueck {
     }
 };
 
-void spitzeMelden(benchmark::State& state, int64_t basis) {
+// Times `lauf` and reports the peak heap of one run above what was allocated before it.
+template <typename Lauf>
+void messen(benchmark::State& state, Lauf lauf) {
+    int64_t basis = 0;
+    for (auto _ : state) {
+        basis = g_aktuell.load();
+        g_spitze.store(basis);
+        lauf();
+    }
     state.counters["Spitze_KiB"] = benchmark::Counter(static_cast<double>(g_spitze.load() - basis) / 1024.0);
 }
 
@@ -136,26 +144,14 @@ void BM_ProduceEinzelspur20000(benchmark::State& state) {
     state.counters["Pausen"] = static_cast<double>(st.u.pausen()->Count());
     state.counters["Akkorde"] = static_cast<double>(st.u.akkorde()->Count());
     state.counters["Takte"] = static_cast<double>(st.u.e().MFITaktLaengen()->Count());
-    int64_t basis = 0;
-    for (auto _ : state) {
-        basis = g_aktuell.load();
-        g_spitze.store(basis);
-        benchmark::DoNotOptimize(st.u.produce(true));
-    }
-    spitzeMelden(state, basis);
+    messen(state, [&] { benchmark::DoNotOptimize(st.u.produce(true)); });
 }
 BENCHMARK(BM_ProduceEinzelspur20000)->Unit(benchmark::kMillisecond);
 
 void BM_ProduceNeuBerechnen20000(benchmark::State& state) {
     Stueck st(1, 20000, 3, true);
     st.u.produce();
-    int64_t basis = 0;
-    for (auto _ : state) {
-        basis = g_aktuell.load();
-        g_spitze.store(basis);
-        benchmark::DoNotOptimize(st.u.produce(false));
-    }
-    spitzeMelden(state, basis);
+    messen(state, [&] { benchmark::DoNotOptimize(st.u.produce(false)); });
 }
 BENCHMARK(BM_ProduceNeuBerechnen20000)->Unit(benchmark::kMillisecond);
 
@@ -163,13 +159,7 @@ void BM_SpurenMischen8x5000(benchmark::State& state) {
     Stueck st(8, 5000, 4, false);
     st.u.engine().spurenMischen();
     state.counters["Noten"] = static_cast<double>(st.u.noten()->Count());
-    int64_t basis = 0;
-    for (auto _ : state) {
-        basis = g_aktuell.load();
-        g_spitze.store(basis);
-        st.u.engine().spurenMischen();
-    }
-    spitzeMelden(state, basis);
+    messen(state, [&] { st.u.engine().spurenMischen(); });
 }
 BENCHMARK(BM_SpurenMischen8x5000)->Unit(benchmark::kMillisecond);
 
@@ -177,13 +167,7 @@ void BM_ProduceLied500(benchmark::State& state) {
     Stueck st(1, 500, 5, false);
     st.u.produce();
     state.counters["Noten"] = static_cast<double>(st.u.noten()->Count());
-    int64_t basis = 0;
-    for (auto _ : state) {
-        basis = g_aktuell.load();
-        g_spitze.store(basis);
-        benchmark::DoNotOptimize(st.u.produce(true));
-    }
-    spitzeMelden(state, basis);
+    messen(state, [&] { benchmark::DoNotOptimize(st.u.produce(true)); });
 }
 BENCHMARK(BM_ProduceLied500)->Unit(benchmark::kMicrosecond);
 
