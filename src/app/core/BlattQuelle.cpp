@@ -1,0 +1,59 @@
+#include "app/core/BlattQuelle.h"
+
+#include "app/core/CProgramm.h"
+#include "engine/CKLNCreator.h"
+
+#include <algorithm>
+#include <map>
+
+namespace lyrabo {
+
+blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const std::string& titel) {
+    CEinstellungen& e = programm.Einstellungen();
+    blatt::Stueck s;
+    s.titel = titel;
+    s.ticksProViertel = std::max<int32_t>(1, e.TicksPerQuarterNote());
+    if (programm.TempoAnzahl > 0 && programm.TempoTabelle[1].tempo > 0) s.tempo = programm.TempoTabelle[1].tempo;
+    s.transpo = e.Transpo();
+    s.saiten = e.WDBSpaltenAnzahl() == 25 ? 25 : 37;
+
+    const auto& laengen = e.MFITaktLaengen();
+    const auto& zaehler = e.Numeratoren();
+    const auto& nenner = e.Denominatoren();
+    for (int32_t k = 1; laengen && k <= laengen->Count(); ++k) {
+        blatt::Takt t;
+        t.laenge = laengen->Item(k)->Value();
+        if (zaehler && k <= zaehler->Count()) t.zaehler = zaehler->Item(k)->Value();
+        if (nenner && k <= nenner->Count()) t.nenner = nenner->Item(k)->Value();
+        s.takte.push_back(t);
+    }
+
+    if (noten) {
+        for (const auto& n : *noten) {
+            blatt::Note b;
+            b.start = n->StartZeit();
+            b.laenge = n->Laenge();
+            b.tonHoehe = n->TonHoehe();
+            b.akkordNr = n->AkkordNr();
+            b.text = n->MsgText();
+            s.noten.push_back(std::move(b));
+        }
+    }
+    std::stable_sort(s.noten.begin(), s.noten.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
+    // The melody of a chord is its highest note, as a player hears the top voice.
+    std::map<int32_t, size_t> oben;
+    for (size_t i = 0; i < s.noten.size(); ++i) {
+        auto [it, neu] = oben.try_emplace(s.noten[i].start, i);
+        if (!neu && s.noten[i].tonHoehe > s.noten[it->second].tonHoehe) it->second = i;
+    }
+    for (const auto& [start, i] : oben) s.noten[i].melodie = true;
+
+    const auto& pausen = programm.KLNCreator().Pausen();
+    if (pausen) {
+        for (const auto& p : *pausen) s.pausen.push_back({p->StartZeit(), p->Laenge(), p->TonHoehe()});
+    }
+    std::stable_sort(s.pausen.begin(), s.pausen.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
+    return s;
+}
+
+} // namespace lyrabo
