@@ -4,6 +4,8 @@
 #include "engine/CKLNCreator.h"
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <map>
 
 namespace lyrabo {
@@ -54,6 +56,36 @@ blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const
     }
     std::stable_sort(s.pausen.begin(), s.pausen.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
     return s;
+}
+
+std::string blattTitel(CProgramm& programm, int16_t spur) {
+    Midifile& mf = programm.Midifile1;
+    const std::filesystem::path datei = std::filesystem::path(programm.Einstellungen().MIDIFilePath());
+    std::string titel = datei.stem().string();
+    if (spur < 1 || !mf.geladen() || spur > mf.TrackCount()) return titel;
+    const int16_t spurVorher = mf.Track();
+    const int16_t ereignisVorher = mf.Event();
+    mf.Track(spur);
+    for (int32_t i = 1; i <= mf.EventCount(); ++i) {
+        mf.Event(i);
+        if (mf.Message() == 255 && mf.Data1() == 3 && !mf.Text().empty()) {
+            titel = mf.Text();
+            break;
+        }
+    }
+    if (spurVorher >= 1) {
+        mf.Track(spurVorher);
+        if (ereignisVorher >= 1 && ereignisVorher <= mf.EventCount()) mf.Event(ereignisVorher);
+    }
+    return titel;
+}
+
+int64_t blattDatum(CProgramm& programm) {
+    std::error_code ec;
+    const auto zeit = std::filesystem::last_write_time(std::filesystem::path(programm.Einstellungen().MIDIFilePath()), ec);
+    if (ec) return 0;
+    const auto system = std::chrono::file_clock::to_sys(zeit);
+    return std::chrono::duration_cast<std::chrono::seconds>(system.time_since_epoch()).count();
 }
 
 } // namespace lyrabo
