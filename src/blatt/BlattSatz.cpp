@@ -531,7 +531,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                     if (t.richtung != 0) pfeil(el, m, t.richtung, t.note);
                     const Note& no = stueck.noten[size_t(t.note)];
                     if (e.notenTexte && !no.text.empty() && int64_t(no.start) * 4 == it->first)
-                        el.push_back({Text{{m.x + kKopfRx + 1.4, y + 0.9}, no.text, 6, Ausrichtung::Links, false, kLiedText}});
+                        el.push_back({Text{{m.x + kKopfRx + 2.0, y + 1.0}, no.text, 6, Ausrichtung::Links, false, kLiedText}});
                     if (t.weiter) {
                         auto ziel = achse.zeilen.find(t.bisU);
                         const double y2 = ziel == achse.zeilen.end() || t.bisU >= bisU ? musikUnten + 2 : yVon(ziel->second.y);
