@@ -8,6 +8,7 @@ PAKETE=(
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools
+  poppler-utils python3-numpy python3-scipy
   xvfb xauth fonts-dejavu-core
 )
 if [ "${1:-}" = "--fuzz" ]; then
