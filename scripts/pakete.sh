@@ -8,7 +8,7 @@ PAKETE=(
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools
-  xvfb xauth fonts-dejavu-core
+  xvfb xauth fonts-dejavu-core fontconfig
 )
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)
