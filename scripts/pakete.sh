@@ -13,6 +13,10 @@ PAKETE=(
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)
 fi
+# Only for scripts/druckprobe.sh: an office program that reads Works databases, and PDF tools.
+if [ "${1:-}" = "--druckprobe" ]; then
+  PAKETE+=(libreoffice-calc-nogui poppler-utils)
+fi
 
 fehlend=()
 for p in "${PAKETE[@]}"; do

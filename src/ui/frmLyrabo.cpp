@@ -407,6 +407,7 @@ QFrame* frmLyrabo::bereichMischen() {
 QFrame* frmLyrabo::bereichNotenschrift() {
     auto* f = new QFrame(this);
     auto* l = new QVBoxLayout(f);
+    l->setContentsMargins(0, 0, 0, 0);  // the previews need the height to show a note whole
     l->setSpacing(4);
     auto* kopf = new QHBoxLayout;
     kopf->addWidget(new QLabel(QStringLiteral("Notenschrift:"), f));
@@ -442,7 +443,7 @@ QFrame* frmLyrabo::bereichNotenschrift() {
                 e->setAlignment(Qt::AlignCenter);
             }
             for (auto* v : {vor1[i], vor2[i]}) {
-                v->setFixedSize(38, 30);
+                v->setFixedSize(38, 31);
                 v->setAlignment(Qt::AlignCenter);
             }
             g->addWidget(code1[i], 1, i + 1);
@@ -606,7 +607,7 @@ void frmLyrabo::setFontName() {
         for (auto* vorschau : {labZeichen01[i], labZeichen02[i], labPZeichen01[i], labPZeichen02[i]}) {
             QFont schrift = vorschau->font();
             schrift.setFamily(name);
-            schrift.setPointSize(18);  // a note with its stem fits the label, its head still recognisable
+            schrift.setPointSize(20);  // a note with its stem fits the label, its head still recognisable
             vorschau->setFont(schrift);
         }
     }
