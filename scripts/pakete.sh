@@ -9,10 +9,14 @@ PAKETE=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools
   poppler-utils python3-numpy python3-scipy
-  xvfb xauth fonts-dejavu-core
+  xvfb xauth fonts-dejavu-core fontconfig
 )
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)
+fi
+# Only for scripts/druckprobe.sh: an office program that reads Works databases, and PDF tools.
+if [ "${1:-}" = "--druckprobe" ]; then
+  PAKETE+=(libreoffice-calc-nogui poppler-utils)
 fi
 
 fehlend=()
