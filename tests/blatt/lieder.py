@@ -16,6 +16,7 @@ import os
 import shutil
 import subprocess
 import sys
+from concurrent.futures import ThreadPoolExecutor
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import blattpruefung  # noqa: E402
@@ -116,59 +117,66 @@ def lieder_pruefen(cli, abc_ordner, arbeit):
     lieder = midi_dateien(abc_ordner, arbeit)
     alle = [d for ds, _ in lieder.values() for d in ds]
     drei = [d for ds, spuren in lieder.values() if spuren >= 3 for d in ds]
-    laeufe = [("spur", ["convert"], alle), ("spur3", ["convert", "--spur", "3"], drei),
-              ("mix", ["mix", "--spuren", "2,3"], drei)]
-    fehler, umsetzungen, texte, pdfs = [], 0, 0, 0
-    koepfe_geprueft = 0
-    for saiten in ("25", "37"):
-        papier = "A4" if saiten == "25" else "A3"
-        for name, befehl, dateien in laeufe:
-            ordner = os.path.join(arbeit, f"{name}-{saiten}")
-            for stamm, (txt, pdf) in stapel(cli, befehl, dateien, ordner, saiten).items():
-                umsetzungen += 1
-                texte += txt
-                pdfs += pdf
-                if txt != pdf:
-                    fehler.append(f"{name} {stamm} ({saiten} Saiten): " + ("Text ohne PDF" if txt else "PDF ohne Text"))
-                if not pdf:
-                    continue
-                # Page 1 of one file per song (each song another resolution, in turn 25 and 37 strings)
-                # is rasterised; the others are checked by their paper and their string names.
-                i = sorted(lieder).index(stamm.rsplit("-t", 1)[0])
-                bild = (name == "spur" and int(saiten) == (25, 37)[i % 2] and
-                        stamm.endswith(f"-t{TEILUNGEN[i % len(TEILUNGEN)]}"))
-                pfad = os.path.join(ordner, stamm + ".pdf")
-                mindestens = noten_im_text(os.path.join(ordner, stamm + ".txt"), takte_auf_seite_1(pfad)) if bild else None
-                koepfe_geprueft += bild
-                f = pruefe(pfad, int(saiten), papier, True, 11.5, mindestens, {1})
-                if f:
-                    fehler.append(f"{name} ({saiten} Saiten) {f}")
+    laeufe = [(name, befehl, dateien, saiten) for saiten in ("25", "37")
+              for name, befehl, dateien in (("spur", ["convert"], alle), ("spur3", ["convert", "--spur", "3"], drei),
+                                            ("mix", ["mix", "--spuren", "2,3"], drei))]
+    # Two at a time: the runs and the checks wait mostly for other programs.
+    with ThreadPoolExecutor(2) as pool:
+        ergebnisse = list(pool.map(lambda l: stapel(cli, l[1], l[2], os.path.join(arbeit, f"{l[0]}-{l[3]}"), l[3]), laeufe))
+    fehler, umsetzungen, texte, pdfs, pruefungen = [], 0, 0, 0, []
+    for (name, _, _, saiten), ergebnis in zip(laeufe, ergebnisse):
+        ordner = os.path.join(arbeit, f"{name}-{saiten}")
+        for stamm, (txt, pdf) in ergebnis.items():
+            umsetzungen += 1
+            texte += txt
+            pdfs += pdf
+            if txt != pdf:
+                fehler.append(f"{name} {stamm} ({saiten} Saiten): " + ("Text ohne PDF" if txt else "PDF ohne Text"))
+            if not pdf:
+                continue
+            # Page 1 of one file per song (each song another resolution, in turn 25 and 37 strings)
+            # is rasterised; the others are checked by their paper and their string names.
+            i = sorted(lieder).index(stamm.rsplit("-t", 1)[0])
+            bild = (name == "spur" and int(saiten) == (25, 37)[i % 2] and
+                    stamm.endswith(f"-t{TEILUNGEN[i % len(TEILUNGEN)]}"))
+            pruefungen.append((f"{name} ({saiten} Saiten)", os.path.join(ordner, stamm), int(saiten), bild))
+
+    def pruefung(p):
+        wo, pfad, saiten, bild = p
+        mindestens = noten_im_text(pfad + ".txt", takte_auf_seite_1(pfad + ".pdf")) if bild else None
+        f = pruefe(pfad + ".pdf", saiten, "A4" if saiten == 25 else "A3", True, 11.5, mindestens, {1})
+        return f"{wo} {f}" if f else None
+
+    with ThreadPoolExecutor(2) as pool:
+        fehler += [f for f in pool.map(pruefung, pruefungen) if f]
     print(f"{len(lieder)} Lieder, {len(alle)} MIDI-Dateien ({len(TEILUNGEN)} Auflösungen), "
           f"{umsetzungen} Umsetzungen für 25 und 37 Saiten: {texte} mit HarfeEvent-Text, {pdfs} mit Notenblatt; "
-          f"Seite 1 von {koepfe_geprueft} Notenblättern auf Notenköpfe geprüft")
+          f"Seite 1 von {sum(p[3] for p in pruefungen)} Notenblättern auf Notenköpfe geprüft")
     return fehler
 
 
 def papiere_pruefen(cli, abc_ordner, arbeit):
     lieder = midi_dateien(abc_ordner, arbeit)
-    fehler = []
-    for nr, (lied, saiten, optionen, papier, quer, abstand) in enumerate(PAPIERE, start=1):
+
+    def pruefung(nr):
+        lied, saiten, optionen, papier, quer, abstand = PAPIERE[nr]
+        wo = f"{lied} {' '.join(optionen)}"
         mid = lieder[lied][0][TEILUNGEN.index(480)]
         pdf, txt = os.path.join(arbeit, f"{nr}-{lied}.pdf"), os.path.join(arbeit, f"{nr}-{lied}.txt")
         r = lauf(cli, "convert", mid, "--saiten", saiten, *optionen, "--pdf", pdf, "--harfentext", txt)
         if r.returncode != 0:
-            fehler.append(f"{lied} {' '.join(optionen)}: Rückgabewert {r.returncode} {r.stderr.decode(errors='replace')}")
-            continue
+            return [f"{wo}: Rückgabewert {r.returncode} {r.stderr.decode(errors='replace')}"]
         f = pruefe(pdf, saiten, papier, quer, abstand, noten_im_text(txt))
-        if f:
-            fehler.append(f"{' '.join(optionen)}: {f}")
         # Strips: together they show every string.
         namen = blattpruefung.saiten_namen(saiten)
         gesehen = set()
         for seite in blattpruefung.woerter(pdf):
             gesehen.update(i for i, _ in blattpruefung.namenszeile(seite, namen)[0])
-        if gesehen != set(range(saiten)):
-            fehler.append(f"{lied} {' '.join(optionen)}: die Seiten zeigen nicht alle {saiten} Saiten")
+        return ([f"{wo}: {f}"] if f else []) + \
+            ([] if gesehen == set(range(saiten)) else [f"{wo}: die Seiten zeigen nicht alle {saiten} Saiten"])
+
+    with ThreadPoolExecutor(2) as pool:
+        fehler = [f for liste in pool.map(pruefung, range(len(PAPIERE))) for f in liste]
     print(f"{len(PAPIERE)} Notenblätter auf anderem Papier und mit anderem Saitenabstand geprüft")
     return fehler
 

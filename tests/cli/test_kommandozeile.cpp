@@ -51,6 +51,22 @@ std::set<std::string> dateienIn(const fs::path& ordner) {
     return namen;
 }
 
+// The sheet's painter needs a QGuiApplication: made when a test first needs one, gone at the end.
+class QtUmgebung : public ::testing::Environment {
+public:
+    static void bereit() {
+        static int argc = 1;
+        static char name[] = "test";
+        static char* argv[] = {name, nullptr};
+        if (!QGuiApplication::instance()) s_qt = std::make_unique<QGuiApplication>(argc, argv);
+    }
+    void TearDown() override { s_qt.reset(); }
+
+private:
+    static inline std::unique_ptr<QGuiApplication> s_qt;
+};
+const auto* const kQt = ::testing::AddGlobalTestEnvironment(new QtUmgebung);
+
 // The window's flow on one file: after the load the preselected row is converted. Texts are kept
 // in Windows-1252, as the command line writes them.
 class Kern : public IForm {
@@ -73,11 +89,7 @@ public:
 
     // The note sheet as the window's "save as PDF" writes it.
     std::string pdf(const fs::path& ziel, const KlangNotenRef& noten, int16_t spurNr, const blatt::Einstellungen& e) {
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        static QGuiApplication* qt = QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
-        (void)qt;
+        QtUmgebung::bereit();
         EXPECT_EQ(notenblattPdf(programm, noten, spurNr, e, ziel), "");
         return lesen(ziel);
     }
@@ -274,6 +286,29 @@ TEST_F(CliTest, NotenblattIstDasDesFensters) {
     const std::string mix = k.pdf(datei("km.pdf"), k.programm.KlangNotenMix, 0, blatt::standardFuer(37));
     EXPECT_EQ(lesen(datei("m.pdf")), mix);
     EXPECT_NE(mix, lesen(datei("k.pdf")));
+}
+
+// A song of 500 notes (chords, rests, lyrics, ties) stays a small file: vector shapes, one font.
+TEST_F(CliTest, NotenblattVon500NotenBleibtUnter300KB) {
+    MidiBauer b(480);
+    b.spur().tempo(0, 500000).taktart(0, 3, 2).ende();
+    auto& m = b.spur().name("Lang");
+    for (int i = 0, noten = 0; noten < 500; ++i) {
+        const int ton = 55 + (i * 7) % 37, dauer = (i % 5 + 1) * 240;
+        m.lyric(i % 6 == 0 ? 240 : 0, "la");
+        if (i % 4 == 3) {
+            m.an(0, 1, ton).an(0, 1, ton - 5).aus(dauer, 1, ton).aus(0, 1, ton - 5);
+            noten += 2;
+        } else {
+            m.note(0, ton, dauer);
+            ++noten;
+        }
+    }
+    m.ende();
+    const fs::path pdf = datei("lang.pdf");
+    Lauf l = lauf({"convert", midi("lang.mid", b).string(), "--pdf", pdf.string()});
+    ASSERT_EQ(l.code, 0) << l.fehler;
+    EXPECT_LT(fs::file_size(pdf), 300u * 1024);
 }
 
 // Info and events report on the file as the core reads it; bars follow the chosen track: the
