@@ -9,6 +9,7 @@
 #include <QPainterPath>
 #include <QPdfWriter>
 
+#include <cmath>
 #include <system_error>
 
 namespace lyrabo::blatt {
@@ -43,13 +44,15 @@ QPainterPath pfadAus(const Pfad& pfad) {
 }
 
 void textMalen(QPainter& maler, const Text& t, const QColor& c) {
-    // Fonts are sized in points; the page is in millimetres.
+    // Sizes are points on paper, whatever the device: a pixel size in tenths of a point under a
+    // transform from millimetres, so the screen, the printer and the PDF agree.
     QFont schrift(QStringLiteral("DejaVu Sans"));
-    schrift.setPointSizeF(t.groesse);
+    schrift.setPixelSize(int(std::lround(t.groesse * 10)));
     schrift.setBold(t.fett);
+    schrift.setHintingPreference(QFont::PreferNoHinting);
     maler.save();
     maler.translate(t.ort.x, t.ort.y);
-    maler.scale(1.0 / kPunktProMm, 1.0 / kPunktProMm);
+    maler.scale(0.1 / kPunktProMm, 0.1 / kPunktProMm);
     maler.setFont(schrift);
     maler.setPen(c);
     const QString text = QString::fromUtf8(t.text.data(), qsizetype(t.text.size()));

@@ -60,19 +60,22 @@ blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const
 
 std::string blattTitel(CProgramm& programm, int16_t spur) {
     Midifile& mf = programm.Midifile1;
-    const std::filesystem::path datei = std::filesystem::path(programm.Einstellungen().MIDIFilePath());
-    std::string titel = datei.stem().string();
-    if (spur < 1 || !mf.geladen() || spur > mf.TrackCount()) return titel;
+    const std::string datei = std::filesystem::path(programm.Einstellungen().MIDIFilePath()).stem().string();
+    if (!mf.geladen() || spur < 0 || spur > mf.TrackCount()) return datei;
     const int16_t spurVorher = mf.Track();
     const int16_t ereignisVorher = mf.Event();
-    mf.Track(spur);
-    for (int32_t i = 1; i <= mf.EventCount(); ++i) {
-        mf.Event(i);
-        if (mf.Message() == 255 && mf.Data1() == 3 && !mf.Text().empty()) {
-            titel = mf.Text();
-            break;
+    auto name = [&](int16_t s) {
+        mf.Track(s);
+        for (int32_t i = 1; i <= mf.EventCount(); ++i) {
+            mf.Event(i);
+            if (mf.Message() == 255 && mf.Data1() == 3 && !mf.Text().empty()) return mf.Text();
         }
-    }
+        return std::string();
+    };
+    // The track's own name; in a file of several tracks the first one's name is the song's title.
+    std::string titel = spur >= 1 ? name(spur) : "";
+    if (titel.empty() && mf.TrackCount() >= 1) titel = name(1);
+    if (titel.empty()) titel = datei;
     if (spurVorher >= 1) {
         mf.Track(spurVorher);
         if (ereignisVorher >= 1 && ereignisVorher <= mf.EventCount()) mf.Event(ereignisVorher);

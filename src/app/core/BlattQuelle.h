@@ -13,7 +13,8 @@ class CProgramm;
 // `noten` is the collection the conversion filled (KlangNoten for a track, KlangNotenMix for a mix).
 blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const std::string& titel);
 
-// The sheet's title: the track's name, else the MIDI file's name; for a mix (spur 0) the file's name.
+// The sheet's title: the track's name, else the first track's (the song's title in a file of several
+// tracks), else the MIDI file's name; for a mix (spur 0) the first track's name or the file's.
 // Leaves the reader's cursor where it was.
 std::string blattTitel(CProgramm& programm, int16_t spur);
 
