@@ -12,6 +12,10 @@
 #include <cstdio>
 #include <iostream>
 
+#ifdef LYRABO_MIT_BLATT
+#include "blattmaler/BlattPdf.h"
+#endif
+
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
@@ -248,9 +252,11 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
         z.harfentext = a.harfentext.value_or("");
         z.klangnoten = a.klangnoten.value_or("");
         z.wdb = a.wdb.value_or("");
-        if (a.befehl == Befehl::Convert && z.harfentext.empty() && z.klangnoten.empty() && z.wdb.empty())
+        z.pdf = a.pdf.value_or("");
+        if (a.befehl == Befehl::Convert && z.harfentext.empty() && z.klangnoten.empty() && z.wdb.empty() &&
+            z.pdf.empty())
             z.harfentext = "-";
-        if (a.befehl == Befehl::Mix && z.harfentext.empty()) z.harfentext = "-";
+        if (a.befehl == Befehl::Mix && z.harfentext.empty() && z.pdf.empty()) z.harfentext = "-";
         return z;
     }
     std::string name = fs::path(datei).stem().string();
@@ -258,9 +264,10 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
         throw AufrufFehler("Eine andere Datei hat die Ausgaben unter dem Namen \"" + name + "\" schon erzeugt.");
     fs::path ordner(*a.ausgabeOrdner);
     bool convert = a.befehl == Befehl::Convert;
-    if (!convert || a.mitHarfentext) z.harfentext = (ordner / (name + ".txt")).string();
+    if (a.mitHarfentext) z.harfentext = (ordner / (name + ".txt")).string();
     if (convert && a.mitKlangnoten) z.klangnoten = (ordner / (name + ".klangnoten.txt")).string();
     if (convert && a.mitWdb) z.wdb = (ordner / (name + ".wdb")).string();
+    if (a.mitPdf) z.pdf = (ordner / (name + ".pdf")).string();
     return z;
 }
 
@@ -289,6 +296,8 @@ void CKommandozeile::convert(const std::string& datei) {
         if (klangnoten.empty())
             throw UmsetzungFehler("Die Spur " + std::to_string(m_spur) + " konnte nicht umgesetzt werden.");
     }
+    // The sheet shows the track as the window converted it, before the save path converts again.
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNoten, m_spur);
     if (!z.wdb.empty()) wdbSpeichern(z.wdb);
 
     m_phase = Phase::Schreiben;
@@ -355,8 +364,24 @@ void CKommandozeile::mix(const std::string& datei) {
     if (!m_form.Zwischenablage()) throw UmsetzungFehler("Die Spuren konnten nicht gemischt werden.");
     if (!kln.IsMonoton()) m_form.meldung(kPolyphonMeldung);
 
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
     m_phase = Phase::Schreiben;
-    textSchreiben(z.harfentext, *m_form.Zwischenablage());
+    if (!z.harfentext.empty()) textSchreiben(z.harfentext, *m_form.Zwischenablage());
+}
+
+void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur) {
+    m_phase = Phase::Schreiben;
+#ifdef LYRABO_MIT_BLATT
+    const CBlattOptionen& o = m_aufruf->blatt;
+    blatt::Einstellungen e = blatt::standardFuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
+    if (o.Papier) e.papier = *o.Papier;
+    if (o.Quer) e.quer = *o.Quer;
+    if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;
+    const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(ziel));
+    if (!meldung.empty()) throw DateiFehler(meldung);
+#else
+    (void)ziel, (void)noten, (void)spur;
+#endif
 }
 
 void CKommandozeile::textSchreiben(const std::string& ziel, const std::string& utf8Text) {
