@@ -7,7 +7,7 @@ PAKETE=(
   qt6-base-dev libgl-dev
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  midicsv abcmidi libwps-tools
+  midicsv abcmidi libwps-tools poppler-utils
   xvfb xauth fonts-dejavu-core
 )
 if [ "${1:-}" = "--fuzz" ]; then

@@ -18,6 +18,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QMenu>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -125,6 +126,7 @@ QFrame* BlattBereich::optionenAnlegen(QWidget* eltern) {
         s->setSingleStep(schritt);
         s->setDecimals(1);
         s->setSuffix(QStringLiteral(" mm"));
+        s->setLocale(QLocale(QLocale::German, QLocale::Germany));  // "11,5 mm", as on the sheet
         s->setKeyboardTracking(false);
         return s;
     };
@@ -288,7 +290,7 @@ void BlattBereich::alsPdfSpeichern() {
     if (nichtsZuDrucken()) return;
     std::error_code ec;
     fs::path ordner = alsPfad(ausUtf8(m_daten.pdfOrdner));
-    const fs::path midi = fs::path(m_programm.Einstellungen().MIDIFilePath());
+    const fs::path midi = fs::path(m_programm.Midifile1.filename());
     if (m_daten.pdfOrdner.empty() || !fs::is_directory(ordner, ec)) ordner = midi.parent_path();
     const fs::path vorschlag = ordner / (midi.stem().string() + ".pdf");
     auto wahl = m_fenster.speicherDialog(QStringLiteral("Notenblatt als PDF speichern"), ausPfad(vorschlag),
@@ -331,7 +333,7 @@ std::optional<blatt::Blatt> BlattBereich::blattFuerDrucker(QPrinter& drucker) {
     if (passtAufDrucker(gezeigt, bereich)) return gezeigt;
 
     QRectF inhalt;
-    for (const auto& s : gezeigt.seiten) inhalt = inhalt.united(inhaltMm(s));
+    for (const auto& s : gezeigt.seiten) inhalt = inhalt.united(inhaltMm(s).intersected(QRectF(0, 0, s.breite, s.hoehe)));
     const auto antwort = m_fenster.nachricht(
         QMessageBox::Question,
         QStringLiteral("Der Drucker kann auf diesem Papier nur %1 × %2 mm bedrucken (%3 mm vom linken Rand an); "
@@ -344,16 +346,13 @@ std::optional<blatt::Blatt> BlattBereich::blattFuerDrucker(QPrinter& drucker) {
     if (antwort == QMessageBox::No) return gezeigt;
     if (antwort != QMessageBox::Yes) return std::nullopt;
 
-    // The layout cuts the strings into strips when its paper is too narrow for them: the sheet's
-    // paper turned upright, else A4 upright, whichever the printer then prints whole.
-    const blatt::Einstellungen e = einstellungen();
+    // The layout cuts the strings into strips when its paper is too narrow for them: laid out on
+    // the printer's paper, across and then upright, the first that the printer prints whole.
     const QPageLayout vorher = drucker.pageLayout();
-    const double breite = blatt::papierFormat(e).breite;
-    for (auto [papier, quer] : {std::pair{e.papier, false}, std::pair{blatt::Papier::A4, false}}) {
-        blatt::Einstellungen versuch = e;
-        versuch.papier = papier;
+    for (bool quer : {true, false}) {
+        blatt::Einstellungen versuch = einstellungen();
+        versuch.papier = druckerPapier(drucker).value_or(versuch.papier);
         versuch.quer = quer;
-        if (blatt::papierFormat(versuch).breite >= breite) continue;
         blatt::Stueck stueck = *m_stueck;
         stueck.saiten = static_cast<int16_t>(saiten());
         blatt::Blatt streifen = blatt::setzen(stueck, versuch);

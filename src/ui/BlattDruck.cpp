@@ -90,10 +90,19 @@ bool passtAufDrucker(const blatt::Blatt& blatt, const QRectF& druckbereich) {
     // A hundredth of a millimetre is rounding, not a missing edge.
     const QRectF weit = druckbereich.adjusted(-0.01, -0.01, 0.01, 0.01);
     for (const auto& seite : blatt.seiten) {
-        const QRectF inhalt = inhaltMm(seite);
+        // Ink beyond the paper's edge is lost on any paper; it asks nothing of the printer.
+        const QRectF inhalt = inhaltMm(seite).intersected(QRectF(0, 0, seite.breite, seite.hoehe));
         if (!inhalt.isEmpty() && !weit.contains(inhalt)) return false;
     }
     return true;
+}
+
+std::optional<blatt::Papier> druckerPapier(const QPrinter& drucker) {
+    const QSizeF g = drucker.pageLayout().pageSize().size(QPageSize::Millimeter);
+    const double kurz = std::min(g.width(), g.height()), lang = std::max(g.width(), g.height());
+    if (std::abs(kurz - 210) < 1 && std::abs(lang - 297) < 1) return blatt::Papier::A4;
+    if (std::abs(kurz - 297) < 1 && std::abs(lang - 420) < 1) return blatt::Papier::A3;
+    return std::nullopt;
 }
 
 void papierEinstellen(QPrinter& drucker, const blatt::Blatt& blatt) {
