@@ -8,10 +8,14 @@ PAKETE=(
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools poppler-utils
-  xvfb xauth fonts-dejavu-core
+  xvfb xauth fonts-dejavu-core fontconfig
 )
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)
+fi
+# Only for scripts/druckprobe.sh: an office program that reads Works databases, and PDF tools.
+if [ "${1:-}" = "--druckprobe" ]; then
+  PAKETE+=(libreoffice-calc-nogui poppler-utils)
 fi
 
 fehlend=()

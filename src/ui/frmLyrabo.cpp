@@ -9,6 +9,7 @@
 #include "ui/BlattBereich.h"
 #include "ui/Hilfe.h"
 #include "ui/MidiAblage.h"
+#include "ui/Notenschrift.h"
 
 #if __has_include("ui/WiedergabeLeiste.h")
 #include "ui/WiedergabeLeiste.h"
@@ -170,6 +171,12 @@ void frmLyrabo::menuesAnlegen() {
     harfe->addSeparator();
     mCreateAbschnittsINIs = element(harfe->addAction(QStringLiteral("&Vorlagen-Abschnitte neu schneiden")),
                                     "mCreateAbschnittsINIs");
+    // The Works sheets name the note font; office programs print notes only when it is installed.
+    auto* mNotenschriftInstallieren = element(
+        harfe->addAction(QStringLiteral("&Notenschrift für andere Programme installieren")), "mNotenschriftInstallieren");
+    connect(mNotenschriftInstallieren, &QAction::triggered, this, [this] {
+        sicher([this] { meldung(nachUtf8(notenschriftInstallieren(m_programm.ProgrammOrdner()))); });
+    });
 
     auto* hilfe = menuBar()->addMenu(QStringLiteral("&Hilfe"));
     mInhalt = element(hilfe->addAction(QStringLiteral("&Inhalt")), "mInhalt");
@@ -411,6 +418,7 @@ QFrame* frmLyrabo::bereichMischen() {
 QFrame* frmLyrabo::bereichNotenschrift() {
     auto* f = new QFrame(this);
     auto* l = new QVBoxLayout(f);
+    l->setContentsMargins(0, 0, 0, 0);  // the previews need the height to show a note whole
     l->setSpacing(4);
     auto* kopf = new QHBoxLayout;
     kopf->addWidget(new QLabel(QStringLiteral("Notenschrift:"), f));
@@ -446,7 +454,7 @@ QFrame* frmLyrabo::bereichNotenschrift() {
                 e->setAlignment(Qt::AlignCenter);
             }
             for (auto* v : {vor1[i], vor2[i]}) {
-                v->setFixedSize(38, 22);
+                v->setFixedSize(38, 31);
                 v->setAlignment(Qt::AlignCenter);
             }
             g->addWidget(code1[i], 1, i + 1);
@@ -599,10 +607,11 @@ void frmLyrabo::spaltenLabelsAnlegen() {
 }
 
 void frmLyrabo::schriftenFuellen() {
-    const QStringList schriften = QFontDatabase::families();
+    // The program's own fonts come first, so a fresh machine starts with the note font; of the
+    // system's fonts the first is left out.
+    const QStringList eigene = eigeneSchriftenRegistrieren(m_programm.ProgrammOrdner());
     comboFontname->clear();
-    // The first font the system lists is left out.
-    for (qsizetype i = 1; i < schriften.size(); ++i) comboFontname->addItem(schriften[i]);
+    comboFontname->addItems(schriftenListe(eigene, QFontDatabase::families()));
     if (comboFontname->count() == 0) return;
     comboFontname->setCurrentIndex(0);
     m_programm.Einstellungen().Fontname(nachUtf8(comboFontname->itemText(0)));
@@ -615,7 +624,7 @@ void frmLyrabo::setFontName() {
         for (auto* vorschau : {labZeichen01[i], labZeichen02[i], labPZeichen01[i], labPZeichen02[i]}) {
             QFont schrift = vorschau->font();
             schrift.setFamily(name);
-            schrift.setPointSize(14);
+            schrift.setPointSize(20);  // a note with its stem fits the label, its head still recognisable
             vorschau->setFont(schrift);
         }
     }

@@ -55,6 +55,8 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(ordner / "data");
     std::filesystem::copy(std::filesystem::path(LYRABO_BIN_DIR) / "ini", ordner / "ini",
                           std::filesystem::copy_options::recursive);
+    std::filesystem::copy(std::filesystem::path(LYRABO_BIN_DIR) / "data" / "schriften", ordner / "data" / "schriften",
+                          std::filesystem::copy_options::recursive);
     const auto lied = freude().schreiben(ordner / "Freude.mid");
 
     lyrabo::CStart start(ordner.pfad());

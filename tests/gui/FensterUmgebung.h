@@ -56,6 +56,7 @@ public:
         namespace fs = std::filesystem;
         for (const char* sub : {"data", "ini", "lieder"}) fs::create_directories(m_ordner / sub);
         fs::copy(fs::path(LYRABO_BIN_DIR) / "ini", m_ordner / "ini", fs::copy_options::recursive);
+        fs::copy(fs::path(LYRABO_BIN_DIR) / "data" / "schriften", m_ordner / "data" / "schriften", fs::copy_options::recursive);
     }
 
     void starten() {
