@@ -7,7 +7,8 @@ PAKETE=(
   qt6-base-dev libgl-dev
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  midicsv abcmidi libwps-tools poppler-utils
+  midicsv abcmidi libwps-tools
+  poppler-utils python3-numpy python3-scipy
   xvfb xauth fonts-dejavu-core fontconfig
 )
 if [ "${1:-}" = "--fuzz" ]; then

@@ -296,13 +296,14 @@ void CKommandozeile::convert(const std::string& datei) {
         if (klangnoten.empty())
             throw UmsetzungFehler("Die Spur " + std::to_string(m_spur) + " konnte nicht umgesetzt werden.");
     }
-    // The sheet shows the track as the window converted it, before the save path converts again.
-    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNoten, m_spur);
     if (!z.wdb.empty()) wdbSpeichern(z.wdb);
 
     m_phase = Phase::Schreiben;
     if (!z.harfentext.empty()) textSchreiben(z.harfentext, harfentext);
     if (!z.klangnoten.empty()) textSchreiben(z.klangnoten, klangnoten);
+    // Last, so that a sheet that cannot be written keeps none of the other outputs from their file.
+    // (Saving the database converts the track once more, to the same notes.)
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNoten, m_spur);
 }
 
 // The save path of "Speichern als WDB": convert once more, hand the engine's collections to the
@@ -364,9 +365,9 @@ void CKommandozeile::mix(const std::string& datei) {
     if (!m_form.Zwischenablage()) throw UmsetzungFehler("Die Spuren konnten nicht gemischt werden.");
     if (!kln.IsMonoton()) m_form.meldung(kPolyphonMeldung);
 
-    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
     m_phase = Phase::Schreiben;
     if (!z.harfentext.empty()) textSchreiben(z.harfentext, *m_form.Zwischenablage());
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
 }
 
 void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur) {

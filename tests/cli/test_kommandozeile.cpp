@@ -249,7 +249,8 @@ TEST_F(CliTest, MixErgibtDenTextDerZwischenablageUndWarntBeiPolyphonie) {
 // default paper or the paper asked for; in a folder NAME.pdf; a text only where asked for.
 TEST_F(CliTest, NotenblattIstDasDesFensters) {
     fs::path pfad = midi("lied.mid"), aus = datei("aus");
-    ASSERT_EQ(lauf({"convert", pfad.string(), "--saiten", "25", "--pdf", datei("a.pdf").string()}).code, 0);
+    ASSERT_EQ(lauf({"convert", pfad.string(), "--saiten", "25", "--pdf", datei("a.pdf").string(), "--wdb",
+                    datei("a.wdb").string()}).code, 0);
     Lauf a4 = lauf({"convert", pfad.string(), "--pdf", datei("b.pdf").string(), "--papier", "A4", "--hoch",
                     "--saitenabstand", "10,5"});
     Lauf m = lauf({"mix", pfad.string(), "--spuren", "3,2", "--pdf", datei("m.pdf").string()});
