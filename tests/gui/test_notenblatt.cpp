@@ -15,6 +15,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <functional>
@@ -282,6 +283,11 @@ TEST(Notenblatt, WiedergabeLeuchtetDieKlingendenNotenAuf) {
             if (licht[i]) an.push_back(int(i));
         EXPECT_EQ(an, f.an) << f.tick;
     }
+    // At 100 % the page is taller than the view: the last bar scrolls into sight.
+    ansicht(u).prozent(100);
+    ansicht(u).verticalScrollBar()->setValue(0);
+    bereich.wiedergabePosition(4800);
+    EXPECT_GT(ansicht(u).verticalScrollBar()->value(), 0);
     bereich.wiedergabeAus();
     EXPECT_TRUE(ansicht(u).hervorgehoben().empty());
 }
