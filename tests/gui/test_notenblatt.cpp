@@ -115,7 +115,9 @@ TEST(Notenblatt, AnsichtZeichnetNachJederAenderungNeu) {
         EXPECT_NE(jetzt, vorher) << s.was;
         ASSERT_FALSE(ansicht(u).blatt().seiten.empty()) << s.was;
         EXPECT_DOUBLE_EQ(ansicht(u).blatt().seiten.front().breite, s.seitenBreite) << s.was;
-        if (std::string(s.was) == "Transposition") EXPECT_EQ(u.fenster().klangNotenText(), text);
+        if (std::string(s.was) == "Transposition") {
+            EXPECT_EQ(u.fenster().klangNotenText(), text);
+        }
         vorher = jetzt;
         text = u.fenster().klangNotenText();
     }
