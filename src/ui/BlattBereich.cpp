@@ -346,13 +346,19 @@ std::optional<blatt::Blatt> BlattBereich::blattFuerDrucker(QPrinter& drucker) {
     if (antwort == QMessageBox::No) return gezeigt;
     if (antwort != QMessageBox::Yes) return std::nullopt;
 
-    // The layout cuts the strings into strips when its paper is too narrow for them: laid out on
-    // the printer's paper, across and then upright, the first that the printer prints whole.
+    // Laid out again on the printer's paper, keeping clear of the edges it cannot reach: the layout
+    // cuts the strings into strips where they no longer fit. The orientation chosen first, then the other.
     const QPageLayout vorher = drucker.pageLayout();
-    for (bool quer : {true, false}) {
+    QPageLayout papier = drucker.pageLayout();
+    papier.setUnits(QPageLayout::Millimeter);
+    const QMarginsF raender = papier.minimumMargins();
+    const double druckRand = std::max({raender.left(), raender.top(), raender.right(), raender.bottom()}) + 0.3;
+    const bool querGewaehlt = papier.orientation() == QPageLayout::Landscape;
+    for (bool quer : {querGewaehlt, !querGewaehlt}) {
         blatt::Einstellungen versuch = einstellungen();
         versuch.papier = druckerPapier(drucker).value_or(versuch.papier);
         versuch.quer = quer;
+        versuch.druckRand = druckRand;
         blatt::Stueck stueck = *m_stueck;
         stueck.saiten = static_cast<int16_t>(saiten());
         blatt::Blatt streifen = blatt::setzen(stueck, versuch);
