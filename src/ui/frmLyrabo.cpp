@@ -129,8 +129,16 @@ frmLyrabo::frmLyrabo(std::filesystem::path programmOrdner, QWidget* parent)
     auto* rechts = new QVBoxLayout;
     rechts->setSpacing(6);
     rechts->addWidget(saitenAnzeigeAnlegen());
-    rechts->addWidget(optionenAnlegen());
-    rechts->addWidget(ansichtenAnlegen(), 1);
+    // The options can be pushed up out of the way, so that more of the sheet shows.
+    auto* teiler = new QSplitter(Qt::Vertical, zentrum);
+    teiler->setObjectName(QStringLiteral("teilerOptionenAnsichten"));
+    teiler->setChildrenCollapsible(false);
+    teiler->addWidget(optionenAnlegen());
+    teiler->addWidget(ansichtenAnlegen());
+    teiler->setStretchFactor(0, 0);
+    teiler->setStretchFactor(1, 1);
+    teiler->setCollapsible(0, true);
+    rechts->addWidget(teiler, 1);
     haupt->addLayout(rechts, 1);
     setCentralWidget(zentrum);
     statusBar()->setSizeGripEnabled(true);
