@@ -63,7 +63,7 @@ public:
         m_start = std::make_unique<CStart>(m_ordner.pfad());
         fenster().setNachrichtAntwort([this](QMessageBox::Icon icon, const QString& text, QMessageBox::StandardButtons k) {
             nachrichten.push_back({icon, text, k});
-            return (k & QMessageBox::Cancel) ? frageAntwort : QMessageBox::Ok;
+            return (k & (QMessageBox::Cancel | QMessageBox::No)) ? frageAntwort : QMessageBox::Ok;
         });
         fenster().setDialogAntwort([this](bool, const QString&, const QString&) {
             if (dialogAntworten.empty()) return std::optional<QString>();
