@@ -6,6 +6,7 @@
 #include "model/Datei.h"
 #include "model/Fehler.h"
 #include "model/Text.h"
+#include "settings/BlattDaten.h"
 #include "settings/Takte.h"
 
 #include <algorithm>
@@ -374,7 +375,8 @@ void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef
     m_phase = Phase::Schreiben;
 #ifdef LYRABO_MIT_BLATT
     const CBlattOptionen& o = m_aufruf->blatt;
-    blatt::Einstellungen e = blatt::standardFuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
+    // What the window last used for this harp size, as the user settings file stands for its controls.
+    blatt::Einstellungen e = blattDatenLesen(m_ordner).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
     if (o.Papier) e.papier = *o.Papier;
     if (o.Quer) e.quer = *o.Quer;
     if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;

@@ -47,7 +47,8 @@ private:
     };
     Ziele zieleFuer(const std::string& datei);
     void wdbSpeichern(const std::string& name);
-    // The note sheet of `noten` on the paper the call asks for, else the harp size's default.
+    // The note sheet of `noten` with the window's sheet settings for the harp size, changed by the
+    // call's paper and spacing.
     void blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur);
     void textSchreiben(const std::string& ziel, const std::string& utf8Text);
 

@@ -6,6 +6,7 @@
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
 #include "model/Text.h"
+#include "settings/BlattDaten.h"
 #include "settings/UserDaten.h"
 #include "support/MidiBauer.h"
 #include "support/TestOrdner.h"
@@ -257,10 +258,15 @@ TEST_F(CliTest, MixErgibtDenTextDerZwischenablageUndWarntBeiPolyphonie) {
     EXPECT_FALSE(poly.aus.empty());
 }
 
-// The sheet is the one the window saves: the converted track, or the mixed notes, on the harp's
-// default paper or the paper asked for; in a folder NAME.pdf; a text only where asked for.
+// The sheet is the one the window saves: the converted track, or the mixed notes, with the window's
+// sheet settings for the harp size and the paper asked for; in a folder NAME.pdf; a text only where
+// asked for.
 TEST_F(CliTest, NotenblattIstDasDesFensters) {
     fs::path pfad = midi("lied.mid"), aus = datei("aus");
+    BlattDaten daten;
+    daten.saiten37.mmProViertel = 9;
+    daten.saiten37.melodieLinie = false;
+    blattDatenSchreiben(daten, programm);
     ASSERT_EQ(lauf({"convert", pfad.string(), "--saiten", "25", "--pdf", datei("a.pdf").string(), "--wdb",
                     datei("a.wdb").string()}).code, 0);
     Lauf a4 = lauf({"convert", pfad.string(), "--pdf", datei("b.pdf").string(), "--papier", "A4", "--hoch",
@@ -276,14 +282,14 @@ TEST_F(CliTest, NotenblattIstDasDesFensters) {
     Kern k25(programm, pfad, 2, [](CEinstellungen& e) { e.WDBSpaltenAnzahl(25); });
     EXPECT_EQ(lesen(datei("a.pdf")), k25.pdf(datei("k25.pdf"), k25.programm.KlangNoten, 2, blatt::standardFuer(25)));
     Kern k(programm, pfad, 2);
-    blatt::Einstellungen e = blatt::standardFuer(37);
+    blatt::Einstellungen e = daten.saiten37;
     EXPECT_EQ(lesen(aus / "lied.pdf"), k.pdf(datei("k.pdf"), k.programm.KlangNoten, 2, e));
     EXPECT_EQ(lesen(aus / "lied.txt"), k.text);
     e.papier = blatt::Papier::A4, e.quer = false, e.saitenAbstand = 10.5;
     EXPECT_EQ(lesen(datei("b.pdf")), k.pdf(datei("kb.pdf"), k.programm.KlangNoten, 2, e));
     for (int spur : {2, 3}) k.programm.Einstellungen().SpurSelected()->Item(spur)->Value(1);
     k.kln().spurenMischen();
-    const std::string mix = k.pdf(datei("km.pdf"), k.programm.KlangNotenMix, 0, blatt::standardFuer(37));
+    const std::string mix = k.pdf(datei("km.pdf"), k.programm.KlangNotenMix, 0, daten.saiten37);
     EXPECT_EQ(lesen(datei("m.pdf")), mix);
     EXPECT_NE(mix, lesen(datei("k.pdf")));
 }
