@@ -119,12 +119,13 @@ void kopf(std::vector<Element>& el, Punkt m, bool hohl, Farbe f, int32_t note) {
     el.push_back({e, note});
 }
 
+// A flag at the lower end of a stem, curving up and to the right, 1.7 mm high.
 void fahne(std::vector<Element>& el, Punkt s, Farbe f, int32_t note) {
     Pfad p;
     p.farbe = f;
     p.start(s)
-        .kurve({s.x + 0.2, s.y - 0.7}, {s.x + 1.9, s.y - 0.9}, {s.x + 1.6, s.y - 2.1})
-        .kurve({s.x + 1.5, s.y - 1.3}, {s.x + 0.5, s.y - 1.1}, {s.x, s.y - 0.75})
+        .kurve({s.x + 0.2, s.y - 0.55}, {s.x + 1.9, s.y - 0.75}, {s.x + 1.6, s.y - 1.7})
+        .kurve({s.x + 1.5, s.y - 1.05}, {s.x + 0.5, s.y - 0.9}, {s.x, s.y - 0.6})
         .schliessen();
     el.push_back({p, note});
 }
@@ -134,10 +135,11 @@ void notenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel, Farbe f, i
     kopf(el, m, w.basis >= 8, f, note);
     if (w.basis < 16) {
         const double hx = m.x - kKopfRx + 0.15;
-        const double laenge = w.basis == 1 ? kHals + 0.3 : kHals;
+        // A sixteenth's stem is longer, so that its second flag stays clear of the head.
+        const double laenge = w.basis == 1 ? kHals + 0.7 : kHals;
         el.push_back({Linie{{hx, m.y + 0.25}, {hx, m.y + laenge}, 0.22, f}, note});
         if (w.basis <= 2) fahne(el, {hx, m.y + laenge}, f, note);
-        if (w.basis == 1) fahne(el, {hx, m.y + laenge - 0.95}, f, note);
+        if (w.basis == 1) fahne(el, {hx, m.y + laenge - 0.85}, f, note);
     }
     if (w.punktiert) el.push_back({Ellipse{{m.x + kKopfRx + 0.75, m.y}, 0.38, 0.38, 0, true, 0, f}, note});
 }
@@ -167,14 +169,14 @@ void pausenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel) {
                    .kurve({x - 0.6, y + 0.6}, {x - 0.7, y + 1.5}, {x + 0.1, y + 1.9}));
         break;
     case 2: // eighth rest
-        punkt(x - 0.45, y - 0.8);
-        strich(Pfad{}.start({x - 0.5, y - 0.45}).kurve({x - 0.1, y - 0.3}, {x + 0.4, y - 0.6}, {x + 0.65, y - 1.1}).linie({x - 0.2, y + 1.6}));
+        punkt(x - 0.45, y - 0.6);
+        strich(Pfad{}.start({x - 0.5, y - 0.25}).kurve({x - 0.1, y - 0.1}, {x + 0.4, y - 0.4}, {x + 0.65, y - 0.9}).linie({x - 0.2, y + 1.4}));
         break;
     default: // sixteenth rest
-        punkt(x - 0.2, y - 1.2);
-        punkt(x - 0.6, y + 0.0);
-        strich(Pfad{}.start({x - 0.25, y - 0.85}).kurve({x + 0.2, y - 0.8}, {x + 0.6, y - 1.1}, {x + 0.85, y - 1.6}).linie({x - 0.2, y + 1.7}));
-        strich(Pfad{}.start({x - 0.65, y + 0.35}).kurve({x - 0.2, y + 0.4}, {x + 0.2, y + 0.1}, {x + 0.4, y - 0.3}));
+        punkt(x - 0.2, y - 0.85);
+        punkt(x - 0.6, y + 0.25);
+        strich(Pfad{}.start({x - 0.25, y - 0.5}).kurve({x + 0.2, y - 0.45}, {x + 0.6, y - 0.75}, {x + 0.85, y - 1.25}).linie({x - 0.2, y + 1.5}));
+        strich(Pfad{}.start({x - 0.65, y + 0.6}).kurve({x - 0.2, y + 0.65}, {x + 0.2, y + 0.35}, {x + 0.4, y - 0.05}));
         break;
     }
     if (w.punktiert) punkt(x + 1.7, y);
@@ -194,7 +196,7 @@ void bogen(std::vector<Element>& el, double x, double y1, double y2, Farbe f, in
 }
 
 void pfeil(std::vector<Element>& el, Punkt m, int richtung, int32_t note) {
-    const double basis = m.x + richtung * (kKopfRx + 0.35), spitze = m.x + richtung * (kKopfRx + 1.45);
+    const double basis = m.x + richtung * (kKopfRx + 0.25), spitze = m.x + richtung * (kKopfRx + 1.2);
     el.push_back({Pfad{{}, true, 0, kRot}.start({basis, m.y - 0.7}).linie({spitze, m.y}).linie({basis, m.y + 0.7}).schliessen(), note});
 }
 
@@ -296,7 +298,7 @@ struct Satz {
             vorher = u;
             erste = false;
         }
-        a.ende = y + kHals + 2.5;
+        a.ende = y + kHals + 0.7 + 2.0;
         return a;
     }
 };
@@ -495,7 +497,8 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                         const Punkt p{xVon(t.saite), yVon(it->second.y)};
                         // On a strip the line ends at the strip's edge and goes on on its neighbour.
                         if (vorige) {
-                            Linie l{{vorige->x, vorige->y + kKopfRy + 0.3}, {p.x, p.y - kKopfRy - 0.3}, 0.2, kMelodie};
+                            // From below the head's right half, clear of the stem and its flags.
+                            Linie l{{vorige->x + 0.6, vorige->y + kKopfRy}, {p.x, p.y - kKopfRy - 0.3}, 0.2, kMelodie};
                             if (zuschneiden(l, a > 1 ? xl - e.saitenAbstand / 2 : 0, b < n ? xr + e.saitenAbstand / 2 : format.breite))
                                 el.push_back({l});
                         }

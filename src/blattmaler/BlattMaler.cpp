@@ -56,6 +56,8 @@ void textMalen(QPainter& maler, const Text& t, const QColor& c) {
     schrift.setPixelSize(int(std::lround(t.groesse * 10)));
     schrift.setBold(t.fett);
     schrift.setHintingPreference(QFont::PreferNoHinting);
+    // No shaping, so no ligatures: "fis" stays three letters that a search in the PDF finds.
+    schrift.setStyleStrategy(QFont::PreferNoShaping);
     maler.save();
     maler.translate(t.ort.x, t.ort.y);
     maler.scale(0.1 / kPunktProMm, 0.1 / kPunktProMm);
