@@ -264,6 +264,59 @@ TEST_F(CliTest, InfoUndEventsZeigenWasDerKernVonDerDateiWeiss) {
     EXPECT_EQ(zeilenVon(lauf({"events", midi("lang.mid", b).string(), "--spur", "1"}).aus).size(), 500u);
 }
 
+// Inputs scripts/fuzz.sh found, byte for byte (the script seeds its runs with them), with what the
+// reader says; and a RIFF-wrapped song cut at every byte. `info` and `convert` give exit code 3
+// and one German line per file naming it, and write nothing; the whole song converts.
+TEST_F(CliTest, FuzzFundeUndAbgeschnitteneRiffDateienGebenEineDeutscheMeldung) {
+    const std::pair<const char*, const char*> funde[] = {
+        // The RIFF walk stepped past the end over the missing pad byte of an odd-length chunk.
+        {"52 49 46 46 4D 5C 68 64 52 4D 49 44 41 81 41 00 00 00 00 00 00 00 00 EA 03 00 00 00 00 00 00",
+         "Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende."},
+    };
+    std::vector<std::pair<std::string, std::string>> kaputt; // file, what its line says after the name
+    for (const auto& [hex, meldung] : funde) {
+        std::istringstream in(hex);
+        std::string bytes;
+        for (unsigned b; in >> std::hex >> b;) bytes += char(b);
+        kaputt.emplace_back(datei("fund" + std::to_string(kaputt.size()) + ".mid").string(), meldung);
+        schreiben(kaputt.back().first, bytes);
+    }
+    const std::string smf = lied().bytes();
+    const std::string rmid = "RMIDLIST" + le32(3) + "abc" + '\0' + "data" + le32(smf.size()) + smf;
+    const std::string riff = "RIFF" + le32(rmid.size()) + rmid;
+    // Cut anywhere, it is broken; only a pad byte after odd data may go missing.
+    for (size_t n = 0; n < riff.size() - (smf.size() & 1); ++n) {
+        kaputt.emplace_back(datei("ab" + std::to_string(n) + ".mid").string(), "");
+        schreiben(kaputt.back().first, riff.substr(0, n));
+    }
+    const std::string ganz = datei("ganz.mid").string();
+    schreiben(ganz, riff);
+
+    std::vector<std::string> dateien{ganz};
+    for (const auto& k : kaputt) dateien.push_back(k.first);
+    auto mit = [&](std::vector<std::string> args) {
+        args.insert(args.begin() + 1, dateien.begin(), dateien.end());
+        return lauf(args);
+    };
+    for (const Lauf& l : {mit({"info"}), mit({"convert", "--ausgabe", datei("aus").string()})}) {
+        EXPECT_EQ(l.code, 3);
+        auto zeilen = zeilenVon(l.fehler);
+        std::erase(zeilen, "Daten gespeichert!");
+        ASSERT_EQ(zeilen.size(), kaputt.size()) << l.fehler;
+        for (size_t i = 0; i < zeilen.size(); ++i) {
+            const auto& [pfad, meldung] = kaputt[i];
+            const std::string anfang = pfad + ": Die Datei \"" + pfad + "\" ist keine gültige MIDI-Datei: ";
+            ASSERT_EQ(zeilen[i].rfind(anfang, 0), 0u) << zeilen[i];
+            const std::string rest = zeilen[i].substr(anfang.size());
+            EXPECT_TRUE(enthaelt(rest, meldung)) << rest;
+            // Nothing of a library's English text.
+            for (const char* englisch : {"std::", "basic_", "__", "size", "range", "error", "Unerwartet"})
+                EXPECT_FALSE(enthaelt(rest, englisch)) << rest;
+        }
+    }
+    EXPECT_EQ(dateienIn(datei("aus")), (std::set<std::string>{"ganz.txt", "ganz.klangnoten.txt", "ganz.wdb"}));
+}
+
 // Exit codes: 2 a wrong call, 3 a file that cannot be read, 4 a conversion that fails, 5 an output
 // that cannot be written. Whatever fails, the text already there stays as it was.
 TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) {

@@ -21,10 +21,6 @@ std::string roh(std::initializer_list<uint8_t> b, uint16_t division = 480, uint3
     return m.bytes();
 }
 
-std::string le32(size_t v) {
-    return {char(v & 0xFF), char((v >> 8) & 0xFF), char((v >> 16) & 0xFF), char(v >> 24)};
-}
-
 } // namespace
 
 TEST(Midifile, KaputteDateienGebenEineKlareMeldung) {
@@ -50,7 +46,14 @@ TEST(Midifile, KaputteDateienGebenEineKlareMeldung) {
         {roh({0xFF, 0x51, 0x02, 7, 0xA1}), "weniger als drei Datenbytes"},
         {roh({0xFF, 0x58, 0x04, 0, 2, 24, 8}), "Die Taktart hat den Zähler 0."},
         {roh({0xFF, 0x58, 0x04, 4, 15, 24, 8}), "Der Nenner der Taktart ist 2 hoch 15, höchstens 2 hoch 14 ist möglich."},
-        {"RIFF" + le32(16) + "RMIDLIST" + le32(4) + "abcd", "keinen MIDI-Datenblock"},
+        {"RIFF" + le32(16) + "RMIDLIST" + le32(4) + "abcd", "Die RIFF-Datei enthält keinen MIDI-Datenblock (\"data\")."},
+        {"RIFF" + le32(4) + "RMI", "Der RIFF-Kopf ist unvollständig."},
+        {"RIFF" + le32(12) + "RMIDdata\x08", "Byte 12: Der Kopf eines RIFF-Blocks ist abgeschnitten."},
+        {"RIFF" + le32(16) + "RMIDLIST" + le32(10) + "abcd", "Byte 12: Der RIFF-Block \"LIST\" mit 10 Bytes reicht über das Dateiende hinaus."},
+        {"RIFF" + le32(16) + "RMIDdata" + le32(10) + "MThd", "Byte 12: Der RIFF-Datenblock reicht über das Dateiende hinaus."},
+        // An odd chunk running up to the end without its pad byte: the walk once stepped past the end.
+        {std::string("RIFFM\\hdRMIDA\x81\x41\0\0\0\0\0\0\0\0\xEA\x03\0\0\0\0\0\0", 31),
+         "Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende."},
     };
     for (const auto& [bytes, erwartet] : faelle) {
         std::string t = "(geladen)";

@@ -118,4 +118,9 @@ private:
     std::vector<MidiSpur> m_spuren;
 };
 
+// Four bytes of a little-endian length, as RIFF chunks give it.
+inline std::string le32(size_t v) {
+    return {char(v & 0xFF), char((v >> 8) & 0xFF), char((v >> 16) & 0xFF), char((v >> 24) & 0xFF)};
+}
+
 } // namespace lyrabo::test
