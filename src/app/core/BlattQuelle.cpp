@@ -1,0 +1,94 @@
+#include "app/core/BlattQuelle.h"
+
+#include "app/core/CProgramm.h"
+#include "engine/CKLNCreator.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <map>
+
+namespace lyrabo {
+
+blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const std::string& titel) {
+    CEinstellungen& e = programm.Einstellungen();
+    blatt::Stueck s;
+    s.titel = titel;
+    s.ticksProViertel = std::max<int32_t>(1, e.TicksPerQuarterNote());
+    if (programm.TempoAnzahl > 0 && programm.TempoTabelle[1].tempo > 0) s.tempo = programm.TempoTabelle[1].tempo;
+    s.transpo = e.Transpo();
+    s.saiten = e.WDBSpaltenAnzahl() == 25 ? 25 : 37;
+
+    const auto& laengen = e.MFITaktLaengen();
+    const auto& zaehler = e.Numeratoren();
+    const auto& nenner = e.Denominatoren();
+    for (int32_t k = 1; laengen && k <= laengen->Count(); ++k) {
+        blatt::Takt t;
+        t.laenge = laengen->Item(k)->Value();
+        if (zaehler && k <= zaehler->Count()) t.zaehler = zaehler->Item(k)->Value();
+        if (nenner && k <= nenner->Count()) t.nenner = nenner->Item(k)->Value();
+        s.takte.push_back(t);
+    }
+
+    if (noten) {
+        for (const auto& n : *noten) {
+            blatt::Note b;
+            b.start = n->StartZeit();
+            b.laenge = n->Laenge();
+            b.tonHoehe = n->TonHoehe();
+            b.akkordNr = n->AkkordNr();
+            b.text = n->MsgText();
+            s.noten.push_back(std::move(b));
+        }
+    }
+    std::stable_sort(s.noten.begin(), s.noten.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
+    // The melody of a chord is its highest note, as a player hears the top voice.
+    std::map<int32_t, size_t> oben;
+    for (size_t i = 0; i < s.noten.size(); ++i) {
+        auto [it, neu] = oben.try_emplace(s.noten[i].start, i);
+        if (!neu && s.noten[i].tonHoehe > s.noten[it->second].tonHoehe) it->second = i;
+    }
+    for (const auto& [start, i] : oben) s.noten[i].melodie = true;
+
+    const auto& pausen = programm.KLNCreator().Pausen();
+    if (pausen) {
+        for (const auto& p : *pausen) s.pausen.push_back({p->StartZeit(), p->Laenge(), p->TonHoehe()});
+    }
+    std::stable_sort(s.pausen.begin(), s.pausen.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
+    return s;
+}
+
+std::string blattTitel(CProgramm& programm, int16_t spur) {
+    Midifile& mf = programm.Midifile1;
+    const std::string datei = std::filesystem::path(programm.Einstellungen().MIDIFilePath()).stem().string();
+    if (!mf.geladen() || spur < 0 || spur > mf.TrackCount()) return datei;
+    const int16_t spurVorher = mf.Track();
+    const int16_t ereignisVorher = mf.Event();
+    auto name = [&](int16_t s) {
+        mf.Track(s);
+        for (int32_t i = 1; i <= mf.EventCount(); ++i) {
+            mf.Event(i);
+            if (mf.Message() == 255 && mf.Data1() == 3 && !mf.Text().empty()) return mf.Text();
+        }
+        return std::string();
+    };
+    // The track's own name; in a file of several tracks the first one's name is the song's title.
+    std::string titel = spur >= 1 ? name(spur) : "";
+    if (titel.empty() && mf.TrackCount() >= 1) titel = name(1);
+    if (titel.empty()) titel = datei;
+    if (spurVorher >= 1) {
+        mf.Track(spurVorher);
+        if (ereignisVorher >= 1 && ereignisVorher <= mf.EventCount()) mf.Event(ereignisVorher);
+    }
+    return titel;
+}
+
+int64_t blattDatum(CProgramm& programm) {
+    std::error_code ec;
+    const auto zeit = std::filesystem::last_write_time(std::filesystem::path(programm.Einstellungen().MIDIFilePath()), ec);
+    if (ec) return 0;
+    const auto system = std::chrono::file_clock::to_sys(zeit);
+    return std::chrono::duration_cast<std::chrono::seconds>(system.time_since_epoch()).count();
+}
+
+} // namespace lyrabo
