@@ -419,7 +419,8 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
         const int ersterTakt = int(std::upper_bound(satz.taktStart.begin(), satz.taktStart.end(), vonU) - satz.taktStart.begin());
 
         for (size_t si = 0; si < streifen.size(); ++si) {
-            const auto [a, b] = streifen[si];
+            // Plain names, not a structured binding: clang before 16 cannot capture those in lambdas.
+            const int a = streifen[si].first, b = streifen[si].second;
             ++seitenNr;
             Seite seite;
             seite.breite = format.breite;
