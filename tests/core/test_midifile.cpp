@@ -51,9 +51,6 @@ TEST(Midifile, KaputteDateienGebenEineKlareMeldung) {
         {"RIFF" + le32(12) + "RMIDdata\x08", "Byte 12: Der Kopf eines RIFF-Blocks ist abgeschnitten."},
         {"RIFF" + le32(16) + "RMIDLIST" + le32(10) + "abcd", "Byte 12: Der RIFF-Block \"LIST\" mit 10 Bytes reicht über das Dateiende hinaus."},
         {"RIFF" + le32(16) + "RMIDdata" + le32(10) + "MThd", "Byte 12: Der RIFF-Datenblock reicht über das Dateiende hinaus."},
-        // An odd chunk running up to the end without its pad byte: the walk once stepped past the end.
-        {std::string("RIFFM\\hdRMIDA\x81\x41\0\0\0\0\0\0\0\0\xEA\x03\0\0\0\0\0\0", 31),
-         "Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende."},
     };
     for (const auto& [bytes, erwartet] : faelle) {
         std::string t = "(geladen)";
