@@ -30,6 +30,13 @@ done
 for csv in tests/midicsv/csv/*.csv; do
   csvmidi "$csv" "$SAAT/$(basename "${csv%.csv}").mid" || true
 done
+# ... one of them wrapped in RIFF, as RMID files come ...
+le32() { printf '\\x%02x\\x%02x\\x%02x\\x%02x' $(($1 & 255)) $(($1 >> 8 & 255)) $(($1 >> 16 & 255)) $(($1 >> 24 & 255)); }
+if [ -s "$SAAT/walzer.mid" ]; then
+  n=$(wc -c <"$SAAT/walzer.mid")
+  { printf "RIFF$(le32 $((n + 12 + n % 2)))RMIDdata$(le32 "$n")"; cat "$SAAT/walzer.mid"; [ $((n % 2)) -eq 0 ] || printf '\0'; } \
+    >"$SAAT/walzer-riff.mid"
+fi
 # ... and the inputs of the regression table: every string of hex pairs in it.
 n=0
 { grep -o '"\([0-9A-F][0-9A-F] \)\{3,\}[0-9A-F][0-9A-F]"' tests/cli/test_kommandozeile.cpp || true; } | tr -d '" ' |
