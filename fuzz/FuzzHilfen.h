@@ -1,6 +1,7 @@
 #pragma once
-// What the fuzz targets share: a window that shows nothing and asks nothing, and a walk over
-// every value of every event the reader's 16-bit cursor can reach.
+// What the fuzz targets and the table of their findings share: a window that shows nothing, asks
+// nothing and keeps what it was told, and a walk over every value of every event the reader's
+// 16-bit cursor can reach.
 #include "app/core/Oberflaeche.h"
 #include "midi/EreignisListe.h"
 #include "midi/Midifile.h"
@@ -9,16 +10,18 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace lyrabo::fuzz {
 
 class StilleForm : public IForm, public IDialog {
 public:
-    void meldung(const std::string&) override {}
+    void meldung(const std::string& text) override { meldungen.push_back(text); }
     int16_t ausgewaehlteSpurZeile() const override { return zeile; }
     std::optional<std::string> oeffnen(const std::string&, const std::string&) override { return std::nullopt; }
     std::optional<std::string> speichern(const std::string&, int) override { return std::nullopt; }
     int16_t zeile = 0;
+    std::vector<std::string> meldungen;
 };
 
 inline void allesLesen(Midifile& m) {

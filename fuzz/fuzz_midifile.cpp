@@ -16,6 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static bool bereit = (programm.initGlobals(), true);
     (void)bereit;
 
+    form.meldungen.clear();
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     lyrabo::Midifile& m = programm.Midifile1;
     m.Action(5);

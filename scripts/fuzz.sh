@@ -5,7 +5,7 @@
 #   fuzz_midifile:   the reader and opening only (many more inputs per second).
 # Each target's corpus grows in fuzz-work/<target>/korpus; inputs that crash, leak or hang land
 # in fuzz-work/<target>/funde. Every finding becomes a row of the regression table in
-# tests/cli/test_kommandozeile.cpp (FuzzFunde), whose inputs seed every run.
+# tests/core/test_fuzzfunde.cpp, whose inputs (and the command-line tests' hex inputs) seed every run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 SEKUNDEN="${1:-600}"
@@ -37,9 +37,11 @@ if [ -s "$SAAT/walzer.mid" ]; then
   { printf "RIFF$(le32 $((n + 12 + n % 2)))RMIDdata$(le32 "$n")"; cat "$SAAT/walzer.mid"; [ $((n % 2)) -eq 0 ] || printf '\0'; } \
     >"$SAAT/walzer-riff.mid"
 fi
-# ... and the inputs of the regression table: every string of hex pairs in it.
+# ... and the inputs of the regression tables: every string of hex pairs in them, string
+# literals that continue on the next line joined first.
 n=0
-{ grep -o '"\([0-9A-F][0-9A-F] \)\{3,\}[0-9A-F][0-9A-F]"' tests/cli/test_kommandozeile.cpp || true; } | tr -d '" ' |
+cat tests/core/test_fuzzfunde.cpp tests/cli/test_kommandozeile.cpp | tr '\n' ' ' | sed 's/" *"//g' |
+  { grep -o '"\([0-9A-F][0-9A-F] \)\{3,\}[0-9A-F][0-9A-F]"' || true; } | tr -d '" ' | sort -u |
   while read -r hex; do
     n=$((n + 1))
     printf '%b' "$(sed 's/../\\x&/g' <<<"$hex")" >"$SAAT/fund$n.mid"
