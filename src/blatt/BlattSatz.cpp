@@ -1,6 +1,7 @@
 #include "blatt/BlattSatz.h"
 
 #include "blatt/Saiten.h"
+#include "model/Fehler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,6 +29,9 @@ constexpr double kKopfText = 1.0;       // bar number above the bar line
 
 constexpr int kMaxTeile = 64;           // tied parts of one note: more is no music
 constexpr int kMaxTakte = 32767;
+// A sheet longer than this is no sheet to play from: a stray event far behind the music, or hours
+// of rests. Refused before any page is drawn, since drawing thousands of pages takes long.
+constexpr int kMaxSeiten = 100;
 
 const Farbe kSaitenLinie{225, 225, 225};
 const Farbe kOktavLinie{190, 205, 240};
@@ -407,6 +411,10 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     }
 
     const int seitenGesamt = int(std::max<size_t>(1, seitenAnfaenge.size()) * streifen.size());
+    if (seitenGesamt > kMaxSeiten)
+        throw Fehler("Das Notenblatt hätte " + std::to_string(seitenGesamt) + " Seiten; mehr als " +
+                     std::to_string(kMaxSeiten) + " Seiten legt Lyrabo nicht an. Enthält die MIDI-Datei ein " +
+                     "Ereignis weit hinter der Musik?");
     const int tempo = stueck.tempo > 0 ? int(std::lround(60000000.0 / stueck.tempo)) : 120;
     int seitenNr = 0;
     const size_t vertikal = std::max<size_t>(1, seitenAnfaenge.size());
