@@ -8,10 +8,15 @@ PAKETE=(
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools
-  xvfb xauth fonts-dejavu-core
+  poppler-utils python3-numpy python3-scipy
+  xvfb xauth fonts-dejavu-core fontconfig
 )
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)
+fi
+# Only for scripts/druckprobe.sh: an office program that reads Works databases, and PDF tools.
+if [ "${1:-}" = "--druckprobe" ]; then
+  PAKETE+=(libreoffice-calc-nogui poppler-utils)
 fi
 
 fehlend=()

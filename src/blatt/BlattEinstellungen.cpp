@@ -20,6 +20,7 @@ Format papierFormat(const Einstellungen& e) {
 Einstellungen begrenzt(Einstellungen e) {
     e.saitenAbstand = std::clamp(e.saitenAbstand, Einstellungen::kMinAbstand, Einstellungen::kMaxAbstand);
     e.mmProViertel = std::clamp(e.mmProViertel, Einstellungen::kMinProViertel, Einstellungen::kMaxProViertel);
+    e.druckRand = std::clamp(e.druckRand, 0.0, 30.0);
     return e;
 }
 

@@ -14,6 +14,7 @@ struct Einstellungen {
     bool aufEineSeite = false;     // squeeze (down to 4 mm per quarter) so the song fits one page
     bool notenTexte = true;        // print the notes' lyrics beside them
     bool melodieLinie = true;      // line from melody note to melody note
+    double druckRand = 0;          // mm at each paper edge that the printer cannot reach; 0 for a file
 
     static constexpr double kMinAbstand = 10.0, kMaxAbstand = 14.0;
     static constexpr double kMinProViertel = 4.0, kMaxProViertel = 20.0;

@@ -15,13 +15,14 @@ namespace {
 
 // ---- sizes in millimetres ----
 constexpr double kKopfRx = 1.35, kKopfRy = 0.95, kKopfWinkel = 20; // note head
-constexpr double kHals = 3.4;           // stem, downwards: time runs down the page
-constexpr double kZeileMin = 5.0;       // rows closer than this would let stems reach the next heads
+constexpr double kHals = 3.2;           // stem, downwards: time runs down the page
+constexpr double kZeileMin = 5.5;       // rows closer than this would let stems reach the next heads
 constexpr double kTaktMin = 7.0;        // a row that opens a bar leaves room for the bar line
 constexpr double kTaktartMin = 9.0;     // ... and for the new time signature above it
 constexpr double kLueckeMax = 60.0;     // a long stretch with nothing to play needs no more paper
 constexpr double kTaktUeberKopf = 2.3;  // bar line above the heads of the bar's first row
-constexpr double kRandSeite = 3.0;      // paper edge to the outermost string
+constexpr double kRandSeite = 3.0;      // paper edge to the outermost string, where nothing is in the way
+constexpr double kUeberSaite = 3.2;     // what reaches beyond the outermost string: its name, a head, an arrow
 constexpr double kRandStreifen = 8.0;   // left edge of a strip: room for the cut line
 constexpr double kMusikOben = 31.0;     // first bar line's text may start here
 constexpr double kMusikUntenAbstand = 17.0;
@@ -351,9 +352,9 @@ std::vector<Seitenanfang> seitenTeilen(const Zeitachse& a, double hoehe) {
 
 // The strings of each strip: all on one page when the paper is wide enough, else balanced strips
 // that share their border string.
-std::vector<std::pair<int, int>> streifenTeilen(int n, double abstand, double breite) {
-    if ((n - 1) * abstand + 2 * kRandSeite <= breite + 1e-9) return {{1, n}};
-    const int proStreifen = std::max(1, int(std::floor((breite - kRandStreifen - kRandSeite) / abstand + 1e-9)));
+std::vector<std::pair<int, int>> streifenTeilen(int n, double abstand, double breite, double seite, double streifenLinks) {
+    if ((n - 1) * abstand + 2 * seite <= breite + 1e-9) return {{1, n}};
+    const int proStreifen = std::max(1, int(std::floor((breite - streifenLinks - seite) / abstand + 1e-9)));
     const int anzahl = (n - 1 + proStreifen - 1) / proStreifen;
     std::vector<std::pair<int, int>> s;
     int von = 1;
@@ -378,7 +379,11 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     Satz satz(stueck);
     satz.takteBilden();
     const int n = satz.n;
-    const double musikOben = kMusikOben, musikUnten = format.hoehe - kMusikUntenAbstand;
+    // What a printer cannot reach moves everything inwards: the strings and the top and bottom.
+    const double seitenRand = e.druckRand > 0 ? std::max(kRandSeite, e.druckRand + kUeberSaite) : kRandSeite;
+    const double streifenLinks = std::max(kRandStreifen, e.druckRand + e.saitenAbstand / 2 + 0.5);
+    const double dy = std::max(0.0, e.druckRand - 2.0);
+    const double musikOben = kMusikOben + dy, musikUnten = format.hoehe - kMusikUntenAbstand - dy;
     const double musikHoehe = musikUnten - musikOben;
 
     double mmProViertel = e.mmProViertel;
@@ -392,7 +397,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     }
     const Zeitachse achse = satz.achse(mmProViertel);
     const auto seitenAnfaenge = seitenTeilen(achse, musikHoehe);
-    const auto streifen = streifenTeilen(n, e.saitenAbstand, format.breite);
+    const auto streifen = streifenTeilen(n, e.saitenAbstand, format.breite, seitenRand, streifenLinks);
 
     Blatt blatt;
     // Notes beside the strings, and the smallest shift that would bring them all onto them.
@@ -436,27 +441,27 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
             seite.streifen = int(si) + 1;
             seite.vonTick = int32_t(std::min<int64_t>(vonU / 4, INT32_MAX));
             seite.bisTick = int32_t(std::min<int64_t>(bisU == INT64_MAX ? (satz.taktStart.back() / 4) : bisU / 4, INT32_MAX));
-            const double x0 = streifen.size() == 1 ? (format.breite - (n - 1) * e.saitenAbstand) / 2 : kRandStreifen;
+            const double x0 = streifen.size() == 1 ? (format.breite - (n - 1) * e.saitenAbstand) / 2 : streifenLinks;
             auto xVon = [&](int saite) { return x0 + (saite - a) * e.saitenAbstand; };
             auto& el = seite.elemente;
             const double xl = xVon(a), xr = xVon(b);
 
             // Header: title, tempo, time signature, transposition, page, and what lies off the strings.
-            el.push_back({Text{{xl, 13}, stueck.titel, 12, Ausrichtung::Links, true}});
+            el.push_back({Text{{xl, 13 + dy}, stueck.titel, 12, Ausrichtung::Links, true}});
             std::string seitenText = "Seite " + std::to_string(seitenNr) + " von " + std::to_string(seitenGesamt);
             if (streifen.size() > 1) seitenText += " \u00b7 Streifen " + std::to_string(si + 1) + " von " + std::to_string(streifen.size());
-            el.push_back({Text{{xr, 13}, seitenText, 9, Ausrichtung::Rechts}});
+            el.push_back({Text{{xr, 13 + dy}, seitenText, 9, Ausrichtung::Rechts}});
             const auto [zaehler, nenner] = satz.taktart(ersterTakt);
             std::string info = "Tempo \u2669 = " + std::to_string(tempo) + "   Taktart " + std::to_string(zaehler) + "/" +
                                std::to_string(nenner) + "   " + std::to_string(n) + " Saiten, Abstand " + zahl(e.saitenAbstand, 1) + " mm";
             if (stueck.transpo != 0) info += "   Transposition " + vorzeichen(stueck.transpo);
-            el.push_back({Text{{xl, 18.5}, info, 8}});
+            el.push_back({Text{{xl, 18.5 + dy}, info, 8}});
             if (blatt.ausserhalb > 0) {
                 std::string warnung = std::to_string(blatt.ausserhalb) +
                                       (blatt.ausserhalb == 1 ? " Note liegt" : " Noten liegen") + " neben den Saiten (rot, Pfeil nach außen). ";
                 warnung += blatt.transpoVorschlag ? "Mit Transposition " + vorzeichen(blatt.vorschlag) + " passen alle."
                                                   : "Keine Transposition bringt alle auf die Saiten.";
-                el.push_back({Text{{xl, 23}, warnung, 8, Ausrichtung::Links, true, kRot}});
+                el.push_back({Text{{xl, 23 + dy}, warnung, 8, Ausrichtung::Links, true, kRot}});
             }
 
             // Strings: faint guide lines, the names above the music, marks at the paper's edges.
@@ -464,14 +469,14 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                 const double x = xVon(k);
                 const bool oktave = (k - 1) % 12 == 0;
                 el.push_back({Linie{{x, musikOben}, {x, musikUnten}, oktave ? 0.25 : 0.15, oktave ? kOktavLinie : kSaitenLinie}});
-                el.push_back({Text{{x, 28}, saitenName(54 + k), oktave ? 8.0 : 6.5, Ausrichtung::Mitte, oktave}});
-                el.push_back({Linie{{x, 2.5}, {x, 7.0}, oktave ? 0.4 : 0.25, kSchwarz}});
-                el.push_back({Linie{{x, format.hoehe - 7.0}, {x, format.hoehe - 2.5}, oktave ? 0.4 : 0.25, kSchwarz}});
+                el.push_back({Text{{x, 28 + dy}, saitenName(54 + k), oktave ? 7.0 : 6.5, Ausrichtung::Mitte, oktave}});
+                el.push_back({Linie{{x, 2.5 + dy}, {x, 7.0 + dy}, oktave ? 0.4 : 0.25, kSchwarz}});
+                el.push_back({Linie{{x, format.hoehe - 7.0 - dy}, {x, format.hoehe - 2.5 - dy}, oktave ? 0.4 : 0.25, kSchwarz}});
             }
             // Cut and glue marks between strips.
             if (a > 1) {
                 const double xs = xl - e.saitenAbstand / 2;
-                el.push_back({Linie{{xs, 2.5}, {xs, format.hoehe - 2.5}, 0.2, kGrau, true}});
+                el.push_back({Linie{{xs, 2.5 + dy}, {xs, format.hoehe - 2.5 - dy}, 0.2, kGrau, true}});
                 el.push_back({Text{{xs + 0.8, musikUnten + 3.5}, "\u2702 hier schneiden", 6, Ausrichtung::Links, false, kGrau}});
             }
             if (b < n) {
@@ -481,7 +486,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                                    Ausrichtung::Rechts, false, kBlau}});
             }
             // A 100 mm bar to check that the printer did not scale.
-            const double yMass = format.hoehe - 10.5;
+            const double yMass = format.hoehe - 10.5 - dy;
             el.push_back({Linie{{xl, yMass}, {xl + 100, yMass}, 0.3, kSchwarz}});
             for (int mm = 0; mm <= 100; mm += 10) el.push_back({Linie{{xl + mm, yMass - (mm % 50 ? 0.8 : 1.5)}, {xl + mm, yMass}, 0.2, kSchwarz}});
             el.push_back({Text{{xl + 102, yMass + 0.8}, "100 mm: so lang muss diese Linie gedruckt sein (Druck auf 100 %)", 6.5}});
@@ -516,10 +521,13 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                     const double yt = y - kTaktUeberKopf;
                     el.push_back({Linie{{xl - 1.8, yt}, {xr + 1.8, yt}, 0.25, kTaktLinie}});
                     if (r.schluss) el.push_back({Linie{{xl - 1.8, yt + 0.8}, {xr + 1.8, yt + 0.8}, 0.7, kSchwarz}});
-                    if (si == 0 && !r.schluss) el.push_back({Text{{xl - 2.6, yt - kKopfText}, std::to_string(r.takt), 5.5, Ausrichtung::Links, false, kGrau}});
+                    // The bar number stands in the margin where there is one, else just inside.
+                    const bool imRand = xl - 2.8 >= e.druckRand + 1.0;
+                    if (si == 0 && !r.schluss)
+                        el.push_back({Text{{imRand ? xl - 2.6 : xl + 0.7, yt - kKopfText}, std::to_string(r.takt), 5.5, Ausrichtung::Links, false, kGrau}});
                     if (r.neueTaktart) {
                         const auto [z, nn] = satz.taktart(r.takt);
-                        el.push_back({Text{{xl + 2.2, yt - kKopfText}, std::to_string(z) + "/" + std::to_string(nn), 8, Ausrichtung::Links, true}});
+                        el.push_back({Text{{imRand ? xl + 2.2 : xl + 4.4, yt - kKopfText}, std::to_string(z) + "/" + std::to_string(nn), 8, Ausrichtung::Links, true}});
                     }
                 }
                 // Chord line: the notes that start here, joined across their strings.

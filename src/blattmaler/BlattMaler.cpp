@@ -30,6 +30,12 @@ QPen stift(const QColor& c, double staerke, bool gestrichelt = false) {
     return p;
 }
 
+// A shape is either filled without outline or outlined without filling.
+void flaeche(QPainter& maler, bool gefuellt, const QColor& c, double staerke) {
+    maler.setPen(gefuellt ? QPen(Qt::NoPen) : stift(c, staerke));
+    maler.setBrush(gefuellt ? QBrush(c) : QBrush(Qt::NoBrush));
+}
+
 QPainterPath pfadAus(const Pfad& pfad) {
     QPainterPath q;
     for (const auto& s : pfad.schritte) {
@@ -81,23 +87,11 @@ void seiteMalen(QPainter& maler, const Seite& seite, const std::function<bool(in
                     maler.save();
                     maler.translate(f.mitte.x, f.mitte.y);
                     maler.rotate(-f.winkel);
-                    if (f.gefuellt) {
-                        maler.setPen(Qt::NoPen);
-                        maler.setBrush(c);
-                    } else {
-                        maler.setPen(stift(c, f.staerke));
-                        maler.setBrush(Qt::NoBrush);
-                    }
+                    flaeche(maler, f.gefuellt, c, f.staerke);
                     maler.drawEllipse(QPointF(0, 0), f.rx, f.ry);
                     maler.restore();
                 } else if constexpr (std::is_same_v<T, Pfad>) {
-                    if (f.gefuellt) {
-                        maler.setPen(Qt::NoPen);
-                        maler.setBrush(c);
-                    } else {
-                        maler.setPen(stift(c, f.staerke));
-                        maler.setBrush(Qt::NoBrush);
-                    }
+                    flaeche(maler, f.gefuellt, c, f.staerke);
                     maler.drawPath(pfadAus(f));
                 } else {
                     textMalen(maler, f, c);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <set>
+#include <system_error>
 
 namespace lyrabo::cli {
 
@@ -33,6 +34,20 @@ bool jaNein(const std::string& text, const std::string& option) {
     throw AufrufFehler("Für " + option + " ist nur ja oder nein erlaubt, nicht \"" + text + "\".");
 }
 
+// A length in millimetres, with a point or a German comma.
+double millimeter(const std::string& text, const std::string& option, double min, double max) {
+    std::string zahl = text;
+    std::replace(zahl.begin(), zahl.end(), ',', '.');
+    double wert = 0;
+    auto [p, ec] = std::from_chars(zahl.data(), zahl.data() + zahl.size(), wert);
+    if (zahl.empty() || ec != std::errc() || p != zahl.data() + zahl.size())
+        throw AufrufFehler("Ungültige Zahl für " + option + ": \"" + text + "\"");
+    if (!(wert >= min && wert <= max))
+        throw AufrufFehler("Der Wert für " + option + " muss zwischen " + std::to_string(int(min)) + " und " +
+                           std::to_string(int(max)) + " Millimetern liegen, nicht " + text + ".");
+    return wert;
+}
+
 std::vector<std::string> teile(const std::string& liste) {
     std::vector<std::string> teile;
     size_t start = 0;
@@ -50,17 +65,19 @@ bool erlaubt(Befehl b, const std::string& option) {
     static const std::set<std::string> kEinstellungen = {
         "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
         "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
+    static const std::set<std::string> kBlatt = {"--pdf", "--papier", "--hoch", "--quer", "--saitenabstand"};
     switch (b) {
     case Befehl::Info:
         return option == "--spur";
     case Befehl::Events:
         return option == "--spur" || option == "--hex";
     case Befehl::Convert:
-        return kEinstellungen.count(option) || option == "--spur" || option == "--harfentext" ||
-               option == "--klangnoten" || option == "--wdb" || option == "--ausgabe" || option == "--formate";
+        return kEinstellungen.count(option) || kBlatt.count(option) || option == "--spur" ||
+               option == "--harfentext" || option == "--klangnoten" || option == "--wdb" || option == "--ausgabe" ||
+               option == "--formate";
     case Befehl::Mix:
-        return kEinstellungen.count(option) || option == "--spur" || option == "--spuren" ||
-               option == "--harfentext" || option == "--ausgabe";
+        return kEinstellungen.count(option) || kBlatt.count(option) || option == "--spur" || option == "--spuren" ||
+               option == "--harfentext" || option == "--ausgabe" || option == "--formate";
     case Befehl::Hilfe:
         return false;
     }
@@ -122,6 +139,11 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         if (arg == "--hoechster-ton-melodie") { a.optionen.HoechsterTonMelodie = schalter(); continue; }
         if (arg == "--punktierte-pausen") { a.optionen.PunktiertePausen = schalter(); continue; }
         if (arg == "--ohne-pausen-letzter-takt") { a.optionen.PausenLetzterTakt = !schalter(); continue; }
+        if (arg == "--hoch" || arg == "--quer") {
+            if (a.blatt.Quer) throw AufrufFehler("--hoch und --quer schließen einander aus.");
+            a.blatt.Quer = (arg == "--quer") == schalter();
+            continue;
+        }
 
         if (!wert) {
             if (i + 1 >= args.size()) throw AufrufFehler("Der Option " + arg + " fehlt ihr Wert.");
@@ -141,17 +163,29 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
             a.klangnoten = w;
         } else if (arg == "--wdb") {
             a.wdb = w;
+        } else if (arg == "--pdf") {
+            if (w.empty() || w == "-") throw AufrufFehler("--pdf braucht einen Dateinamen.");
+            a.pdf = w;
+        } else if (arg == "--papier") {
+            if (w == "A4" || w == "a4") a.blatt.Papier = blatt::Papier::A4;
+            else if (w == "A3" || w == "a3") a.blatt.Papier = blatt::Papier::A3;
+            else throw AufrufFehler("--papier erlaubt nur A4 oder A3.");
+        } else if (arg == "--saitenabstand") {
+            a.blatt.SaitenAbstand = millimeter(w, arg, blatt::Einstellungen::kMinAbstand, blatt::Einstellungen::kMaxAbstand);
         } else if (arg == "--ausgabe") {
             if (w.empty()) throw AufrufFehler("Der Option --ausgabe fehlt der Ordner.");
             a.ausgabeOrdner = w;
         } else if (arg == "--formate") {
-            a.mitHarfentext = a.mitKlangnoten = a.mitWdb = false;
+            a.mitHarfentext = a.mitKlangnoten = a.mitWdb = a.mitPdf = false;
             for (const auto& t : teile(w)) {
                 if (t == "harfentext") a.mitHarfentext = true;
                 else if (t == "klangnoten") a.mitKlangnoten = true;
                 else if (t == "wdb") a.mitWdb = true;
-                else throw AufrufFehler("Unbekanntes Format \"" + t + "\" (erlaubt: harfentext, klangnoten, wdb).");
+                else if (t == "pdf") a.mitPdf = true;
+                else throw AufrufFehler("Unbekanntes Format \"" + t + "\" (erlaubt: harfentext, klangnoten, wdb, pdf).");
             }
+            if (a.befehl == Befehl::Mix && (a.mitKlangnoten || a.mitWdb))
+                throw AufrufFehler("mix schreibt nur harfentext und pdf.");
         } else if (arg == "--transpo") {
             a.optionen.Transpo = ganzeZahl(w, arg, -kTranspoGrenze, kTranspoGrenze);
         } else if (arg == "--quantisierung") {
@@ -185,11 +219,22 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         if (a.harfentext || a.klangnoten || a.wdb)
             throw AufrufFehler("Mit --ausgabe werden die Dateinamen aus den MIDI-Dateien gebildet; "
                                "--harfentext, --klangnoten und --wdb passen nicht dazu.");
-        if (a.befehl == Befehl::Convert && !a.mitHarfentext && !a.mitKlangnoten && !a.mitWdb)
+        if (a.pdf)
+            throw AufrufFehler("Mit --ausgabe werden die Dateinamen aus den MIDI-Dateien gebildet; "
+                               "statt --pdf gilt dort --formate mit pdf.");
+        const bool convert = a.befehl == Befehl::Convert;
+        if (!a.mitHarfentext && !a.mitPdf && (!convert || (!a.mitKlangnoten && !a.mitWdb)))
             throw AufrufFehler("--formate nennt keine Ausgabe.");
     } else if (a.dateien.size() > 1 && (a.befehl == Befehl::Convert || a.befehl == Befehl::Mix)) {
         throw AufrufFehler("Mehrere MIDI-Dateien brauchen --ausgabe ORDNER.");
     }
+    for (const char* option : {"--papier", "--hoch", "--quer", "--saitenabstand"}) {
+        if (gesehen.count(option) && !a.willPdf())
+            throw AufrufFehler(std::string("Die Option ") + option + " gilt nur zusammen mit --pdf oder --formate pdf.");
+    }
+#ifndef LYRABO_MIT_BLATT
+    if (a.willPdf()) throw AufrufFehler("Dieses lyrabo-cli ist ohne Qt gebaut und kann kein Notenblatt schreiben.");
+#endif
     if (a.harfentext && a.klangnoten && *a.harfentext == "-" && *a.klangnoten == "-")
         throw AufrufFehler("Nur ein Text kann auf die Standardausgabe gehen.");
     return a;
@@ -211,13 +256,16 @@ std::string hilfeText() {
         "      Listentext, dann durch Tabulatoren getrennt Zeit, Message, Data1, Data2 (mit --hex\n"
         "      hexadezimal), die Bytes und der Text des Ereignisses.\n"
         "  lyrabo-cli convert DATEI.mid [--spur N] [Optionen] [--harfentext DATEI]\n"
-        "                     [--klangnoten DATEI] [--wdb DATEI.wdb]\n"
+        "                     [--klangnoten DATEI] [--wdb DATEI.wdb] [--pdf DATEI.pdf]\n"
         "      Setzt die Spur um wie das Fenster nach dem Öffnen der Datei und schreibt den\n"
-        "      HarfeEvent-Text, den KlangNoten-Text und/oder die Works-Datenbank. Ohne Ausgabe-\n"
-        "      Option geht der HarfeEvent-Text auf die Standardausgabe; \"-\" als DATEI ebenso.\n"
+        "      HarfeEvent-Text, den KlangNoten-Text, die Works-Datenbank und/oder das Notenblatt.\n"
+        "      Ohne Ausgabe-Option geht der HarfeEvent-Text auf die Standardausgabe; \"-\" als\n"
+        "      DATEI ebenso.\n"
         "  lyrabo-cli mix DATEI.mid --spuren 2,3,5 [--spur N] [Optionen] [--harfentext DATEI]\n"
+        "                 [--pdf DATEI.pdf]\n"
         "      Mischt die Spuren wie \"Spuren mischen\" im Fenster und schreibt den Text, den das\n"
-        "      Fenster in die Zwischenablage legt (ohne --harfentext auf die Standardausgabe).\n"
+        "      Fenster in die Zwischenablage legt (ohne --harfentext und --pdf auf die\n"
+        "      Standardausgabe), und/oder das Notenblatt der gemischten Noten.\n"
         "  lyrabo-cli --help\n"
         "\n"
         "Spur: ohne --spur die zweite Spur, wenn die Datei mindestens zwei hat, sonst die erste.\n"
@@ -226,7 +274,14 @@ std::string hilfeText() {
         "  --ausgabe ORDNER        jede Datei wird in ORDNER unter ihrem eigenen Namen abgelegt:\n"
         "                          NAME.txt (HarfeEvent-Text), NAME.klangnoten.txt, NAME.wdb;\n"
         "                          eine fehlerhafte Datei wird gemeldet, die übrigen werden umgesetzt\n"
-        "  --formate LISTE         nur diese Ausgaben: harfentext, klangnoten, wdb (mit Komma)\n"
+        "  --formate LISTE         nur diese Ausgaben: harfentext, klangnoten, wdb, pdf (mit Komma;\n"
+        "                          ohne die Option alle außer pdf; mix kennt harfentext und pdf);\n"
+        "                          pdf ist das Notenblatt NAME.pdf\n"
+        "\n"
+        "Notenblatt (mit --pdf oder --formate pdf; Vorgabe: 25 Saiten A4 quer, 37 Saiten A3 quer):\n"
+        "  --papier A4|A3          Papierformat\n"
+        "  --hoch, --quer          Hoch- oder Querformat\n"
+        "  --saitenabstand MM      Abstand der Saiten in Millimetern, 10 bis 14 (Vorgabe 11,5)\n"
         "\n"
         "Optionen (wie im Fenster; ohne Angabe gelten die Vorgaben und die User-Daten):\n"
         "  --transpo N             Transponierung in Halbtönen (-36 bis 36)\n"
@@ -243,7 +298,8 @@ std::string hilfeText() {
         "                          -, Tonhöhe, Länge/Spur, Kanal/Länge), gesetzt wie die\n"
         "                          Kästchen im Fenster nach dem Laden; Feld 8 setzt jede neue\n"
         "                          Umsetzung selbst (beim KlangNoten-Text und beim Mischen)\n"
-        "  --saiten 25|37          Saitenzahl der Harfe (Spalten der Works-Datenbank)\n"
+        "  --saiten 25|37          Saitenzahl der Harfe (Spalten der Works-Datenbank und des\n"
+        "                          Notenblatts)\n"
         "\n"
         "Texte werden in Windows-1252 mit CR LF geschrieben, Meldungen gehen auf die Fehlerausgabe.\n"
         "Eine Datei wird erst in eine temporäre Datei geschrieben und dann umbenannt.\n"

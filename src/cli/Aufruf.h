@@ -1,6 +1,8 @@
 #pragma once
 // One call of the command line, read from its arguments: the command, the MIDI files, the outputs
 // and the options that stand for the window's controls.
+#include "blatt/BlattEinstellungen.h"
+
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -40,6 +42,13 @@ struct COptionen {
     std::optional<int16_t> Saiten;
 };
 
+// The note sheet's paper and string spacing; an empty field keeps the default of the harp's size.
+struct CBlattOptionen {
+    std::optional<blatt::Papier> Papier;
+    std::optional<bool> Quer;
+    std::optional<double> SaitenAbstand;  // mm
+};
+
 struct CAufruf {
     Befehl befehl = Befehl::Hilfe;
     std::vector<std::string> dateien;
@@ -49,10 +58,15 @@ struct CAufruf {
     std::optional<std::string> harfentext; // file name, "-" = standard output
     std::optional<std::string> klangnoten;
     std::optional<std::string> wdb;
+    std::optional<std::string> pdf;        // the note sheet
     std::optional<std::string> ausgabeOrdner;
-    // Outputs per file in a folder: harp-event text, KlangNoten text, Works database.
-    bool mitHarfentext = true, mitKlangnoten = true, mitWdb = true;
+    // Outputs per file in a folder: harp-event text, KlangNoten text, Works database, note sheet.
+    bool mitHarfentext = true, mitKlangnoten = true, mitWdb = true, mitPdf = false;
     COptionen optionen;
+    CBlattOptionen blatt;
+
+    // A note sheet is to be written (so the program needs Qt's graphics).
+    bool willPdf() const { return pdf.has_value() || (ausgabeOrdner.has_value() && mitPdf); }
 };
 
 // Reads the arguments after the program name. Throws AufrufFehler.

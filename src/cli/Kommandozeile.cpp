@@ -13,6 +13,10 @@
 #include <iostream>
 #include <new>
 
+#ifdef LYRABO_MIT_BLATT
+#include "blattmaler/BlattPdf.h"
+#endif
+
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
@@ -253,9 +257,11 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
         z.harfentext = a.harfentext.value_or("");
         z.klangnoten = a.klangnoten.value_or("");
         z.wdb = a.wdb.value_or("");
-        if (a.befehl == Befehl::Convert && z.harfentext.empty() && z.klangnoten.empty() && z.wdb.empty())
+        z.pdf = a.pdf.value_or("");
+        if (a.befehl == Befehl::Convert && z.harfentext.empty() && z.klangnoten.empty() && z.wdb.empty() &&
+            z.pdf.empty())
             z.harfentext = "-";
-        if (a.befehl == Befehl::Mix && z.harfentext.empty()) z.harfentext = "-";
+        if (a.befehl == Befehl::Mix && z.harfentext.empty() && z.pdf.empty()) z.harfentext = "-";
         return z;
     }
     std::string name = fs::path(datei).stem().string();
@@ -263,9 +269,10 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
         throw AufrufFehler("Eine andere Datei hat die Ausgaben unter dem Namen \"" + name + "\" schon erzeugt.");
     fs::path ordner(*a.ausgabeOrdner);
     bool convert = a.befehl == Befehl::Convert;
-    if (!convert || a.mitHarfentext) z.harfentext = (ordner / (name + ".txt")).string();
+    if (a.mitHarfentext) z.harfentext = (ordner / (name + ".txt")).string();
     if (convert && a.mitKlangnoten) z.klangnoten = (ordner / (name + ".klangnoten.txt")).string();
     if (convert && a.mitWdb) z.wdb = (ordner / (name + ".wdb")).string();
+    if (a.mitPdf) z.pdf = (ordner / (name + ".pdf")).string();
     return z;
 }
 
@@ -299,6 +306,9 @@ void CKommandozeile::convert(const std::string& datei) {
     m_phase = Phase::Schreiben;
     if (!z.harfentext.empty()) textSchreiben(z.harfentext, harfentext);
     if (!z.klangnoten.empty()) textSchreiben(z.klangnoten, klangnoten);
+    // Last, so that a sheet that cannot be written keeps none of the other outputs from their file.
+    // (Saving the database converts the track once more, to the same notes.)
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNoten, m_spur);
 }
 
 // The save path of "Speichern als WDB": convert once more, hand the engine's collections to the
@@ -361,7 +371,23 @@ void CKommandozeile::mix(const std::string& datei) {
     if (!kln.IsMonoton()) m_form.meldung(kPolyphonMeldung);
 
     m_phase = Phase::Schreiben;
-    textSchreiben(z.harfentext, *m_form.Zwischenablage());
+    if (!z.harfentext.empty()) textSchreiben(z.harfentext, *m_form.Zwischenablage());
+    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
+}
+
+void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur) {
+    m_phase = Phase::Schreiben;
+#ifdef LYRABO_MIT_BLATT
+    const CBlattOptionen& o = m_aufruf->blatt;
+    blatt::Einstellungen e = blatt::standardFuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
+    if (o.Papier) e.papier = *o.Papier;
+    if (o.Quer) e.quer = *o.Quer;
+    if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;
+    const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(ziel));
+    if (!meldung.empty()) throw DateiFehler(meldung);
+#else
+    (void)ziel, (void)noten, (void)spur;
+#endif
 }
 
 void CKommandozeile::textSchreiben(const std::string& ziel, const std::string& utf8Text) {

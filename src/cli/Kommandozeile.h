@@ -43,10 +43,12 @@ private:
 
     // Where the outputs of a file go; "" = not wanted, "-" = standard output.
     struct Ziele {
-        std::string harfentext, klangnoten, wdb;
+        std::string harfentext, klangnoten, wdb, pdf;
     };
     Ziele zieleFuer(const std::string& datei);
     void wdbSpeichern(const std::string& name);
+    // The note sheet of `noten` on the paper the call asks for, else the harp size's default.
+    void blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur);
     void textSchreiben(const std::string& ziel, const std::string& utf8Text);
 
     std::filesystem::path m_ordner;

@@ -4,8 +4,13 @@
 #include "cli/ProgrammOrdner.h"
 
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
+
+#ifdef LYRABO_MIT_BLATT
+#include <QGuiApplication>
+#endif
 
 #ifdef _WIN32
 #include <windows.h>
@@ -30,6 +35,23 @@ int main(int argc, char** argv) {
         std::cout << hilfeText() << std::flush;
         return kFertig;
     }
+#ifdef LYRABO_MIT_BLATT
+    // The PDF writer needs Qt's graphics; a console run has no window, so on Linux Qt's offscreen
+    // platform stands in when no display is named (a set QT_QPA_PLATFORM is left alone).
+    int qtArgc = 1;
+    char* qtArgv[] = {argv[0], nullptr};
+    std::unique_ptr<QGuiApplication> qt;
+    if (aufruf.willPdf()) {
+        // Qt's own notes (English, for developers) would mix with the program's German messages.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+        qt = std::make_unique<QGuiApplication>(qtArgc, qtArgv);
+    }
+#endif
     try {
         CKommandozeile kommandozeile(programmOrdner(argc > 0 ? argv[0] : nullptr), std::cout, std::cerr);
         return kommandozeile.ausfuehren(aufruf);

@@ -67,6 +67,9 @@ WiedergabeLeiste::WiedergabeLeiste(CProgramm& programm, QListWidget* trackList, 
         QMetaObject::invokeMethod(this, [this, index] { MIDIOutput1Tempo(index); }, Qt::QueuedConnection);
     });
     m_midiOutput->beiEnde([this] { QMetaObject::invokeMethod(this, [this] { MIDIOutput1End(); }, Qt::QueuedConnection); });
+    m_midiOutput->beiPosition([this](int32_t tick) {
+        QMetaObject::invokeMethod(this, [this, tick] { MIDIOutput1Position(tick); }, Qt::QueuedConnection);
+    });
 
     connect(OutputDevCombo, &QComboBox::currentIndexChanged, this, [this] { OutputDevComboClick(); });
     connect(CmdQueueTrack, &QPushButton::clicked, this, [this] { CmdQueueTrackClick(); });
@@ -115,6 +118,8 @@ void WiedergabeLeiste::anhaltenUndSchliessen() {
     }
     CmdPlay->setEnabled(true);
     CmdStop->setEnabled(false);
+    m_spielt = false;
+    emit angehalten();
 }
 
 void WiedergabeLeiste::OutputDevComboClick() { anhaltenUndSchliessen(); }
@@ -134,6 +139,7 @@ void WiedergabeLeiste::CmdPlayClick() {
     }
     CmdPlay->setEnabled(false);
     CmdStop->setEnabled(true);
+    m_spielt = true;
 }
 
 void WiedergabeLeiste::PlaybackRateSliderChange(int wert) { m_midiOutput->PlaybackRate(static_cast<int16_t>(wert)); }
@@ -158,6 +164,10 @@ void WiedergabeLeiste::CmdQueueTrackClick() {
     if (m_trackList && zeile + 1 < m_trackList->count()) m_trackList->setCurrentRow(zeile + 1);
     QApplication::restoreOverrideCursor();
     CmdQueueTrack->setEnabled(true);
+}
+
+void WiedergabeLeiste::MIDIOutput1Position(int32_t tick) {
+    if (m_spielt) emit spielPosition(tick);
 }
 
 void WiedergabeLeiste::MIDIOutput1Error(int16_t code, const QString& text) {

@@ -5,6 +5,7 @@
 
 #include <QWidget>
 
+#include <cstdint>
 #include <memory>
 
 class QComboBox;
@@ -35,6 +36,12 @@ public:
     static constexpr int kRateMin = -50;
     static constexpr int kRateMax = 100;
 
+signals:
+    // Where the music is now (ticks of the piece), from the output object's own events.
+    void spielPosition(int32_t tick);
+    // Playback stopped or ran out.
+    void angehalten();
+
 private:
     void OutputDevComboClick();
     void CmdQueueTrackClick();
@@ -46,6 +53,7 @@ private:
     void MIDIOutput1Error(int16_t code, const QString& text);
     void MIDIOutput1Tempo(int16_t index);
     void MIDIOutput1End();
+    void MIDIOutput1Position(int32_t tick);
 
     bool OpenOutputDevice();
     void CloseOutputDevice();
@@ -62,6 +70,8 @@ private:
     QPushButton* CmdPlay;
     QPushButton* CmdStop;
     QSlider* PlaybackRateSlider;
+    // Between Play and Stop; positions still on their way after a stop are dropped.
+    bool m_spielt = false;
 };
 
 } // namespace lyrabo

@@ -6,7 +6,10 @@
 #include "model/Fehler.h"
 #include "model/Text.h"
 #include "settings/UserDaten.h"
+#include "ui/BlattBereich.h"
 #include "ui/Hilfe.h"
+#include "ui/MidiAblage.h"
+#include "ui/Notenschrift.h"
 
 #if __has_include("ui/WiedergabeLeiste.h")
 #include "ui/WiedergabeLeiste.h"
@@ -39,6 +42,7 @@
 #include <QSlider>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace lyrabo {
@@ -113,6 +117,7 @@ frmLyrabo::frmLyrabo(std::filesystem::path programmOrdner, QWidget* parent)
     setObjectName(QStringLiteral("frmLyrabo"));
     setWindowTitle(QStringLiteral("Lyrabo – MIDI-Datei zum Harfen-Notenblatt"));
 
+    m_blatt = new BlattBereich(*this, m_programm);
     menuesAnlegen();
 
     auto* zentrum = new QWidget(this);
@@ -124,14 +129,26 @@ frmLyrabo::frmLyrabo(std::filesystem::path programmOrdner, QWidget* parent)
     auto* rechts = new QVBoxLayout;
     rechts->setSpacing(6);
     rechts->addWidget(saitenAnzeigeAnlegen());
-    rechts->addWidget(optionenAnlegen());
-    rechts->addWidget(ansichtenAnlegen(), 1);
+    // The options can be pushed up out of the way, so that more of the sheet shows.
+    auto* teiler = new QSplitter(Qt::Vertical, zentrum);
+    teiler->setObjectName(QStringLiteral("teilerOptionenAnsichten"));
+    teiler->setChildrenCollapsible(false);
+    teiler->addWidget(optionenAnlegen());
+    teiler->addWidget(ansichtenAnlegen());
+    teiler->setStretchFactor(0, 0);
+    teiler->setStretchFactor(1, 1);
+    teiler->setCollapsible(0, true);
+    rechts->addWidget(teiler, 1);
     haupt->addLayout(rechts, 1);
     setCentralWidget(zentrum);
     statusBar()->setSizeGripEnabled(true);
 
     m_hilfe = new frmHilfe(this);
     m_info = new frmInfo(this);
+    // A MIDI file dropped anywhere on the window opens as through the menu.
+    setAcceptDrops(true);
+    installEventFilter(new MidiAblage(this, [this](const QString& pfad) { abgelegtOeffnen(pfad); },
+                                      [this](const QString& text) { nachricht(QMessageBox::Information, text); }));
     resize(1300, 700);
 }
 
@@ -145,6 +162,8 @@ void frmLyrabo::menuesAnlegen() {
     FileOpen->setShortcut(QKeySequence::Open);
     mSpeichernAlsWDB = element(datei->addAction(QStringLiteral("Als &Works-Datenbank speichern…")), "mSpeichernAlsWDB");
     mSpeichernAlsWDB->setShortcut(QKeySequence::Save);
+    datei->addSeparator();
+    m_blatt->menueEintraege(datei);
     datei->addSeparator();
     FileExit = element(datei->addAction(QStringLiteral("&Beenden")), "FileExit");
     FileExit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -160,6 +179,12 @@ void frmLyrabo::menuesAnlegen() {
     harfe->addSeparator();
     mCreateAbschnittsINIs = element(harfe->addAction(QStringLiteral("&Vorlagen-Abschnitte neu schneiden")),
                                     "mCreateAbschnittsINIs");
+    // The Works sheets name the note font; office programs print notes only when it is installed.
+    auto* mNotenschriftInstallieren = element(
+        harfe->addAction(QStringLiteral("&Notenschrift für andere Programme installieren")), "mNotenschriftInstallieren");
+    connect(mNotenschriftInstallieren, &QAction::triggered, this, [this] {
+        sicher([this] { meldung(nachUtf8(notenschriftInstallieren(m_programm.ProgrammOrdner()))); });
+    });
 
     auto* hilfe = menuBar()->addMenu(QStringLiteral("&Hilfe"));
     mInhalt = element(hilfe->addAction(QStringLiteral("&Inhalt")), "mInhalt");
@@ -267,13 +292,13 @@ QWidget* frmLyrabo::optionenAnlegen() {
     l->setContentsMargins(0, 0, 0, 0);
     l->setSpacing(0);
 
-    static const char* const titel[7] = {"", "Umrechnung", "MIDI-Kanäle", "Textfelder", "Spuren mischen",
-                                         "Notenschrift", "Wiedergabe"};
+    static const char* const titel[8] = {"", "Umrechnung", "MIDI-Kanäle", "Textfelder", "Spuren mischen",
+                                         "Notenschrift", "Wiedergabe", "Notenblatt"};
     auto* knoepfe = new QHBoxLayout;
     knoepfe->setSpacing(2);
     auto* gruppe = new QButtonGroup(bereich);
     gruppe->setExclusive(true);
-    for (int i = 1; i <= 6; ++i) {
+    for (int i = 1; i <= 7; ++i) {
         cmdEbene[i] = element(new QPushButton(QString::fromUtf8(titel[i]), bereich), "cmdEbene", i);
         cmdEbene[i]->setCheckable(true);
         gruppe->addButton(cmdEbene[i]);
@@ -294,7 +319,8 @@ QWidget* frmLyrabo::optionenAnlegen() {
     frameBereich[4] = bereichMischen();
     frameBereich[5] = bereichNotenschrift();
     frameBereich[6] = bereichWiedergabe();
-    for (int i = 1; i <= 6; ++i) {
+    frameBereich[7] = m_blatt->optionenAnlegen(this);
+    for (int i = 1; i <= 7; ++i) {
         element(frameBereich[i], "frameBereich", i);
         frameBereich[i]->setParent(seiten);
         s->addWidget(frameBereich[i]);
@@ -400,6 +426,7 @@ QFrame* frmLyrabo::bereichMischen() {
 QFrame* frmLyrabo::bereichNotenschrift() {
     auto* f = new QFrame(this);
     auto* l = new QVBoxLayout(f);
+    l->setContentsMargins(0, 0, 0, 0);  // the previews need the height to show a note whole
     l->setSpacing(4);
     auto* kopf = new QHBoxLayout;
     kopf->addWidget(new QLabel(QStringLiteral("Notenschrift:"), f));
@@ -435,7 +462,7 @@ QFrame* frmLyrabo::bereichNotenschrift() {
                 e->setAlignment(Qt::AlignCenter);
             }
             for (auto* v : {vor1[i], vor2[i]}) {
-                v->setFixedSize(38, 22);
+                v->setFixedSize(38, 31);
                 v->setAlignment(Qt::AlignCenter);
             }
             g->addWidget(code1[i], 1, i + 1);
@@ -464,6 +491,9 @@ QFrame* frmLyrabo::bereichWiedergabe() {
 #ifdef LYRABO_MIT_WIEDERGABE
     auto* leiste = new WiedergabeLeiste(m_programm, TrackList, LabelTempo, f);
     m_wiedergabe = leiste;
+    // The sheet follows the music by the player's own events.
+    connect(leiste, &WiedergabeLeiste::spielPosition, m_blatt, &BlattBereich::wiedergabePosition);
+    connect(leiste, &WiedergabeLeiste::angehalten, m_blatt, &BlattBereich::wiedergabeAus);
     m_wiedergabeLayout->addWidget(leiste);
 #else
     m_wiedergabeLayout->addWidget(new QLabel(QStringLiteral("Die Wiedergabe ist in dieser Ausgabe nicht enthalten."), f));
@@ -473,9 +503,11 @@ QFrame* frmLyrabo::bereichWiedergabe() {
 }
 
 QWidget* frmLyrabo::ansichtenAnlegen() {
-    auto* bereich = new QWidget(this);
-    auto* l = new QVBoxLayout(bereich);
-    l->setContentsMargins(0, 0, 0, 0);
+    // Three views in tabs: the note sheet, the harp-event text and the event list.
+    auto* bereich = element(new QTabWidget(this), "tabAnsichten");
+    m_ansichten = bereich;
+    m_blattAnsicht = m_blatt->ansichtAnlegen(bereich);
+    bereich->addTab(m_blattAnsicht, QStringLiteral("&Notenblatt"));
 
     // The notes view: the harp-event text of the track.
     frameKlangnoten = element(new QFrame(bereich), "frameKlangnoten");
@@ -493,7 +525,7 @@ QWidget* frmLyrabo::ansichtenAnlegen() {
     txtKlangNoten->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtKlangNoten->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     kl->addWidget(txtKlangNoten, 1);
-    l->addWidget(frameKlangnoten, 1);
+    bereich->addTab(frameKlangnoten, QStringLiteral("&Harfen-Text"));
 
     // The event view: the events of the track and the values of the clicked one.
     frameMessage = element(new QFrame(bereich), "frameMessage");
@@ -531,8 +563,9 @@ QWidget* frmLyrabo::ansichtenAnlegen() {
     details->setRowStretch(7, 1);
     inhalt->addLayout(details, 1);
     ml->addLayout(inhalt, 1);
-    frameMessage->setVisible(false);
-    l->addWidget(frameMessage, 1);
+    bereich->addTab(frameMessage, QStringLiteral("MIDI-&Ereignisse"));
+    connect(bereich, &QTabWidget::currentChanged, this,
+            [this] { mShowMIDIEvents->setChecked(m_ansichten->currentWidget() == frameMessage); });
     return bereich;
 }
 
@@ -582,10 +615,11 @@ void frmLyrabo::spaltenLabelsAnlegen() {
 }
 
 void frmLyrabo::schriftenFuellen() {
-    const QStringList schriften = QFontDatabase::families();
+    // The program's own fonts come first, so a fresh machine starts with the note font; of the
+    // system's fonts the first is left out.
+    const QStringList eigene = eigeneSchriftenRegistrieren(m_programm.ProgrammOrdner());
     comboFontname->clear();
-    // The first font the system lists is left out.
-    for (qsizetype i = 1; i < schriften.size(); ++i) comboFontname->addItem(schriften[i]);
+    comboFontname->addItems(schriftenListe(eigene, QFontDatabase::families()));
     if (comboFontname->count() == 0) return;
     comboFontname->setCurrentIndex(0);
     m_programm.Einstellungen().Fontname(nachUtf8(comboFontname->itemText(0)));
@@ -598,7 +632,7 @@ void frmLyrabo::setFontName() {
         for (auto* vorschau : {labZeichen01[i], labZeichen02[i], labPZeichen01[i], labPZeichen02[i]}) {
             QFont schrift = vorschau->font();
             schrift.setFamily(name);
-            schrift.setPointSize(14);
+            schrift.setPointSize(20);  // a note with its stem fits the label, its head still recognisable
             vorschau->setFont(schrift);
         }
     }
@@ -662,6 +696,7 @@ void frmLyrabo::anzeigeAktuallisierenIntern() {
     hsTranspo->setValue(e.Transpo());
     labTranspo->setText(QString::number(hsTranspo->value()));
     m37SaitenHarfe->setChecked(e.WDBSpaltenAnzahl() == 37);
+    m_blatt->harfeGeaendert();
     zeichenTabellenZeigen();
     m_unterdrueckung = vorher;
 }
@@ -686,6 +721,7 @@ void frmLyrabo::spaltenFaerben(const std::array<Farbe, 37>& felder, Farbe links,
 }
 
 void frmLyrabo::setKlangNotenText(const std::string& text) {
+    ++m_textStand;
     m_klangNotenText = text;
     QString anzeige = ausUtf8(text);
     anzeige.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -740,6 +776,9 @@ void frmLyrabo::mischKaestchenAnlegen(int anzahl) {
 void frmLyrabo::nachDateiGeladen() {
     const int anzahl = m_programm.Midifile1.geladen() ? m_programm.Midifile1.TrackCount() : 0;
     mischKaestchenAnlegen(anzahl);
+    // A loaded file shows its sheet; the old one goes before the new track is converted.
+    m_blatt->leeren();
+    m_ansichten->setCurrentWidget(m_blattAnsicht);
     // The second row is preselected (the first track is often only the tempo track).
     const int zeile = TrackList->count() == 1 ? 0 : 1;
     if (zeile < TrackList->count()) TrackList->setCurrentRow(zeile);
@@ -786,7 +825,10 @@ std::optional<std::string> frmLyrabo::oeffnen(const std::string& initDir, const 
     const QString start = ausUtf8(initDir);
     const QString qtFilter = dialogFilterFuerQt(filter);
     QString gewaehlt;
-    if (m_dialogAntwort) {
+    if (m_abgelegt) {
+        gewaehlt = *m_abgelegt;
+        m_abgelegt.reset();
+    } else if (m_dialogAntwort) {
         auto antwort = m_dialogAntwort(false, start, qtFilter);
         if (!antwort) return std::nullopt;
         gewaehlt = *antwort;
@@ -821,10 +863,32 @@ std::optional<std::string> frmLyrabo::speichern(const std::string& filter, int f
     return nachUtf8(QDir::toNativeSeparators(gewaehlt));
 }
 
+std::optional<QString> frmLyrabo::speicherDialog(const QString& titel, const QString& vorschlag, const QString& filter) {
+    QString gewaehlt;
+    if (m_dialogAntwort) {
+        auto antwort = m_dialogAntwort(true, vorschlag, filter);
+        if (!antwort) return std::nullopt;
+        gewaehlt = *antwort;
+    } else {
+        gewaehlt = QFileDialog::getSaveFileName(this, titel, vorschlag, filter, nullptr, QFileDialog::DontConfirmOverwrite);
+    }
+    if (gewaehlt.isEmpty()) return std::nullopt;
+    return gewaehlt;
+}
+
+void frmLyrabo::abgelegtOeffnen(const QString& pfad) {
+    m_abgelegt = pfad;
+    FileOpen_Click();
+    m_abgelegt.reset();
+}
+
 // ---------------------------------------------------------------- handlers
 
 void frmLyrabo::neuBerechnen() {
+    const int vorher = m_textStand;
     sicher([this] { m_programm.neuBerechnen(); });
+    // Only a conversion that ran to its end replaces the sheet, as it replaces the text.
+    if (m_textStand != vorher) m_blatt->nachUmrechnung(false);
 }
 
 void frmLyrabo::TrackList_Click() {
@@ -841,6 +905,8 @@ void frmLyrabo::hsTranspo_Change(int wert) {
         m_programm.Einstellungen().Transpo(static_cast<int16_t>(wert));
         m_programm.KLNCreator().colorSpaltenLabels();
     });
+    // No conversion: the sheet only shows the moved piece as a preview.
+    m_blatt->transpoVorschau(static_cast<int16_t>(wert));
 }
 
 void frmLyrabo::hsQuantisierung_Change(int wert) {
@@ -890,7 +956,7 @@ void frmLyrabo::chSpurMischen_Click(int index) {
 }
 
 void frmLyrabo::cmdSpurenMischen_Click() {
-    sicher([this] {
+    const bool gemischt = sicher([this] {
         auto& engine = m_programm.KLNCreator();
         engine.spurenMischen();
         if (!engine.IsMonoton())
@@ -899,17 +965,20 @@ void frmLyrabo::cmdSpurenMischen_Click() {
                     "möglicherweise nicht zum gewünschten Ergebnis,\n"
                     "da nicht jede Stimme (1 zu 1) einer Gitarren-Saite zugeordnet werden konnte.");
     });
+    if (gemischt) m_blatt->nachUmrechnung(true);
 }
 
 void frmLyrabo::cmdKopieren_Click() {
     const int zeile = TrackList->currentRow();
     if (zeile < 0 || !m_programm.Midifile1.geladen()) return;
+    const int vorher = m_textStand;
     sicher([this, zeile] {
         auto& engine = m_programm.KLNCreator();
         engine.KlangNoten(m_programm.KlangNoten);
         m_programm.HarfeExportLauf(static_cast<int16_t>(zeile + 1), true, true);
         setZwischenablage(engine.getHarfeEventString());
     });
+    if (m_textStand != vorher) m_blatt->nachUmrechnung(false);
 }
 
 void frmLyrabo::comboFontname_Click(int index) {
@@ -949,14 +1018,13 @@ void frmLyrabo::txtZeichen_Change(int index, bool pause, bool punkt) {
 }
 
 void frmLyrabo::cmdEbene_Click(int index) {
-    for (int i = 1; i <= 6; ++i) frameBereich[static_cast<size_t>(i)]->setVisible(false);
+    for (int i = 1; i <= 7; ++i) frameBereich[static_cast<size_t>(i)]->setVisible(false);
     frameBereich[static_cast<size_t>(index)]->setVisible(true);
     cmdEbene[static_cast<size_t>(index)]->setChecked(true);
 }
 
 void frmLyrabo::ansichtZeigen(bool ereignisse) {
-    frameKlangnoten->setVisible(!ereignisse);
-    frameMessage->setVisible(ereignisse);
+    m_ansichten->setCurrentWidget(ereignisse ? frameMessage : frameKlangnoten);
     mShowMIDIEvents->setChecked(ereignisse);
 }
 
@@ -995,6 +1063,7 @@ void frmLyrabo::nachFehlgeschlagenemLaden() {
     cmdSpurenMischen->setEnabled(false);
     if (m_programm.Midifile1.geladen()) return;
     // The reader dropped the old file: nothing of it may be offered any more.
+    m_blatt->leeren();
     trackListeFuellen({});
     mischKaestchenAnlegen(0);
     const QSignalBlocker sperre(MessageList);
@@ -1036,6 +1105,7 @@ void frmLyrabo::mCreateAbschnittsINIs_Click() {
 
 void frmLyrabo::m37SaitenHarfe_Click() {
     m_programm.Einstellungen().WDBSpaltenAnzahl(m37SaitenHarfe->isChecked() ? 37 : 25);
+    m_blatt->harfeGeaendert();
 }
 
 // ---------------------------------------------------------------- help and the end

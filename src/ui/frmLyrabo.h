@@ -29,10 +29,12 @@ class QPushButton;
 class QRadioButton;
 class QScrollArea;
 class QSlider;
+class QTabWidget;
 class QVBoxLayout;
 
 namespace lyrabo {
 
+class BlattBereich;
 class frmHilfe;
 class frmInfo;
 
@@ -89,6 +91,13 @@ public:
     void setDialogAntwort(DialogAntwort antwort) { m_dialogAntwort = std::move(antwort); }
     QMessageBox::StandardButton nachricht(QMessageBox::Icon icon, const QString& text,
                                           QMessageBox::StandardButtons knoepfe = QMessageBox::Ok);
+    // A save dialog that starts at `vorschlag` and leaves the overwrite question to the caller.
+    std::optional<QString> speicherDialog(const QString& titel, const QString& vorschlag, const QString& filter);
+
+    // ---- the note sheet ----
+    BlattBereich& blattBereich() { return *m_blatt; }
+    // Opens a file dropped on the window as FileOpen does, with the file in place of the dialog.
+    void abgelegtOeffnen(const QString& pfad);
 
     // ---- IForm ----
     void meldung(const std::string& text) override;
@@ -191,8 +200,8 @@ private:
     QLineEdit* BufferEdit = nullptr;
     QLineEdit* MsgTextEdit = nullptr;
     QCheckBox* HexCheck = nullptr;
-    std::array<QPushButton*, 7> cmdEbene{};     // 1 to 6
-    std::array<QFrame*, 7> frameBereich{};      // 1 to 6
+    std::array<QPushButton*, 8> cmdEbene{};     // 1 to 7
+    std::array<QFrame*, 8> frameBereich{};      // 1 to 7
     QPushButton* cmdToMIDIEvents = nullptr;
     QPushButton* cmdToKlangnoten = nullptr;
     QFrame* frameMessage = nullptr;
@@ -215,6 +224,11 @@ private:
     QVBoxLayout* m_mischLayout = nullptr;
     QVBoxLayout* m_wiedergabeLayout = nullptr;
     QWidget* m_wiedergabe = nullptr;
+    BlattBereich* m_blatt = nullptr;
+    QTabWidget* m_ansichten = nullptr;
+    QFrame* m_blattAnsicht = nullptr;
+    std::optional<QString> m_abgelegt;  // a dropped file, answered in place of the open dialog
+    int m_textStand = 0;                // counts harp-event texts: a conversion that ran to its end
     frmHilfe* m_hilfe = nullptr;
     frmInfo* m_info = nullptr;
 };

@@ -1,6 +1,7 @@
 // Runs the real lyrabo-cli from a private program folder (its own copy beside its own ini/ and
 // data/) and compares what it writes with what the core computes the way the window gets it.
 #include "app/core/CProgramm.h"
+#include "blattmaler/BlattPdf.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
@@ -10,6 +11,8 @@
 #include "support/TestOrdner.h"
 
 #include <gtest/gtest.h>
+
+#include <QGuiApplication>
 
 #include <cstdlib>
 #include <functional>
@@ -67,6 +70,17 @@ public:
     void nachDateiGeladen() override { programm.neuBerechnen(); }
 
     CKLNCreator& kln() { return programm.KLNCreator(); }
+
+    // The note sheet as the window's "save as PDF" writes it.
+    std::string pdf(const fs::path& ziel, const KlangNotenRef& noten, int16_t spurNr, const blatt::Einstellungen& e) {
+        static int argc = 1;
+        static char name[] = "test";
+        static char* argv[] = {name, nullptr};
+        static QGuiApplication* qt = QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
+        (void)qt;
+        EXPECT_EQ(notenblattPdf(programm, noten, spurNr, e, ziel), "");
+        return lesen(ziel);
+    }
 
     // The Works database as the save menu writes it: converted once more, then written.
     std::string wdb(const fs::path& ziel) {
@@ -229,6 +243,37 @@ TEST_F(CliTest, MixErgibtDenTextDerZwischenablageUndWarntBeiPolyphonie) {
     EXPECT_FALSE(poly.aus.empty());
 }
 
+// The sheet is the one the window saves: the converted track, or the mixed notes, on the harp's
+// default paper or the paper asked for; in a folder NAME.pdf; a text only where asked for.
+TEST_F(CliTest, NotenblattIstDasDesFensters) {
+    fs::path pfad = midi("lied.mid"), aus = datei("aus");
+    ASSERT_EQ(lauf({"convert", pfad.string(), "--saiten", "25", "--pdf", datei("a.pdf").string(), "--wdb",
+                    datei("a.wdb").string()}).code, 0);
+    Lauf a4 = lauf({"convert", pfad.string(), "--pdf", datei("b.pdf").string(), "--papier", "A4", "--hoch",
+                    "--saitenabstand", "10,5"});
+    Lauf m = lauf({"mix", pfad.string(), "--spuren", "3,2", "--pdf", datei("m.pdf").string()});
+    Lauf stapel = lauf({"convert", pfad.string(), "--ausgabe", aus.string(), "--formate", "pdf,harfentext"});
+    for (const Lauf& l : {a4, m, stapel}) {
+        EXPECT_EQ(l.code, 0) << l.fehler;
+        EXPECT_EQ(l.aus, "");
+    }
+    EXPECT_EQ(dateienIn(aus), (std::set<std::string>{"lied.pdf", "lied.txt"}));
+
+    Kern k25(programm, pfad, 2, [](CEinstellungen& e) { e.WDBSpaltenAnzahl(25); });
+    EXPECT_EQ(lesen(datei("a.pdf")), k25.pdf(datei("k25.pdf"), k25.programm.KlangNoten, 2, blatt::standardFuer(25)));
+    Kern k(programm, pfad, 2);
+    blatt::Einstellungen e = blatt::standardFuer(37);
+    EXPECT_EQ(lesen(aus / "lied.pdf"), k.pdf(datei("k.pdf"), k.programm.KlangNoten, 2, e));
+    EXPECT_EQ(lesen(aus / "lied.txt"), k.text);
+    e.papier = blatt::Papier::A4, e.quer = false, e.saitenAbstand = 10.5;
+    EXPECT_EQ(lesen(datei("b.pdf")), k.pdf(datei("kb.pdf"), k.programm.KlangNoten, 2, e));
+    for (int spur : {2, 3}) k.programm.Einstellungen().SpurSelected()->Item(spur)->Value(1);
+    k.kln().spurenMischen();
+    const std::string mix = k.pdf(datei("km.pdf"), k.programm.KlangNotenMix, 0, blatt::standardFuer(37));
+    EXPECT_EQ(lesen(datei("m.pdf")), mix);
+    EXPECT_NE(mix, lesen(datei("k.pdf")));
+}
+
 // Info and events report on the file as the core reads it; bars follow the chosen track: the
 // melody and the bass are 5,760 ticks long, the tempo track ends at tick 2,880.
 TEST_F(CliTest, InfoUndEventsZeigenWasDerKernVonDerDateiWeiss) {
@@ -309,8 +354,10 @@ TEST_F(CliTest, AbgeschnitteneRiffDateienGebenEineDeutscheMeldung) {
 // Exit codes: 2 a wrong call, 3 a file that cannot be read, 4 a conversion that fails, 5 an output
 // that cannot be written. Whatever fails, the text already there stays as it was.
 TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) {
-    const std::string lied_ = midi("lied.mid").string(), h = datei("h.txt").string();
+    const std::string lied_ = midi("lied.mid").string(), h = datei("h.txt").string(), pdf = datei("p.pdf").string();
     schreiben(h, "alt");
+    schreiben(pdf, "alt");
+    fs::create_directories(pdf + ".lyrabo-tmp/belegt");  // the sheet's temporary file cannot be made
     MidiBauer b(480);
     b.spur().name("Eins").note(0, 60, 480).aus(0, 1, 62).ende();  // a note ends that never started
     const std::string noten = midi("noten.mid", b).string();
@@ -337,6 +384,12 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         {{"convert", lied_, "--harfentext", (gesperrt / "h.txt").string()}, 5, ""},
         {{"convert", lied_, "--wdb", (gesperrt / "x.wdb").string()}, 5, ""},
         {{"convert", lied_, "--ausgabe", (gesperrt / "unter").string()}, 5, ""},
+        {{"convert", lied_, "--pdf", pdf, "--saitenabstand", "9"}, 2, "zwischen 10 und 14 Millimetern"},
+        {{"convert", lied_, "--papier", "A5", "--pdf", pdf}, 2, "A4 oder A3"},
+        {{"convert", lied_, "--quer", "--harfentext", h}, 2, "nur zusammen mit --pdf"},
+        {{"mix", lied_, "--spuren", "2", "--ausgabe", "x", "--formate", "pdf,wdb"}, 2, "mix schreibt nur"},
+        {{"convert", lied_, "--pdf", pdf}, 5, "Das Notenblatt \"p.pdf\" kann nicht geschrieben werden."},
+        {{"mix", lied_, "--spuren", "2", "--pdf", (gesperrt / "m.pdf").string()}, 5, "m.pdf"},
     };
     for (const auto& [args, code, meldung] : faelle) {
         Lauf l = lauf(args);
@@ -347,6 +400,7 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         EXPECT_TRUE(l.aus.empty());
     }
     EXPECT_EQ(lesen(h), "alt");
+    EXPECT_EQ(lesen(pdf), "alt");
     EXPECT_FALSE(fs::exists(datei("lied.doc")));
     EXPECT_TRUE(!fs::is_directory(gesperrt) || fs::is_empty(gesperrt));
 }

@@ -233,3 +233,35 @@ TEST(BlattSatz, StreifenFuer37SaitenAufA4Hoch) {
 
 } // namespace
 } // namespace lyrabo::blatt
+
+namespace lyrabo::blatt {
+namespace {
+
+// Laid out for a printer that cannot reach the paper's edges: strips where the strings no longer
+// fit, and no line or head in the unprintable margin.
+TEST(BlattSatz, DruckrandHaeltDieRaenderFrei) {
+    struct Fall {
+        int16_t saiten;
+        double druckRand;
+        size_t streifen;
+    } faelle[] = {{37, 0, 1}, {37, 4.2, 2}, {25, 4.2, 1}, {25, 9, 2}};
+    for (const auto& f : faelle) {
+        Einstellungen e = standardFuer(f.saiten);
+        e.druckRand = f.druckRand;
+        const Blatt b = setzen(lied({{0, 480, 55}, {480, 480, 54 + f.saiten}}, 480, 4, f.saiten), e);
+        ASSERT_EQ(b.seiten.size(), f.streifen) << f.saiten << " Saiten, Rand " << f.druckRand;
+        for (const auto& s : b.seiten)
+            for (const auto& el : s.elemente) {
+                double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+                if (auto* l = std::get_if<Linie>(&el.form)) x0 = std::min(l->a.x, l->b.x), x1 = std::max(l->a.x, l->b.x), y0 = std::min(l->a.y, l->b.y), y1 = std::max(l->a.y, l->b.y);
+                else if (auto* k = std::get_if<Ellipse>(&el.form)) x0 = k->mitte.x - k->rx, x1 = k->mitte.x + k->rx, y0 = k->mitte.y - k->ry, y1 = k->mitte.y + k->ry;
+                else continue;
+                EXPECT_GE(std::min(x0, y0), f.druckRand);
+                EXPECT_LE(x1, s.breite - f.druckRand);
+                EXPECT_LE(y1, s.hoehe - f.druckRand);
+            }
+    }
+}
+
+} // namespace
+} // namespace lyrabo::blatt

@@ -1,4 +1,5 @@
 #include "model/Datei.h"
+#include "settings/BlattDaten.h"
 #include "settings/CDreiZeichen.h"
 #include "settings/CEinstellungen.h"
 #include "settings/Takte.h"
@@ -179,6 +180,42 @@ TEST(UserDaten, FehlschlagBeimSchreibenMeldetSichUndLaesstDieAlteDateiStehen) {
     EXPECT_TRUE(std::filesystem::exists(t / "sperre" / "data" / "LYRABO_user.ini" / "x"));
     for (const auto& eintrag : std::filesystem::directory_iterator(t / "sperre" / "data"))
         EXPECT_EQ(eintrag.path().filename(), "LYRABO_user.ini"); // no temporary file left behind
+}
+
+// The sheet's settings file: every value the page can set comes back; a file with anything the
+// program never writes, or none at all, gives the defaults of both harp sizes.
+TEST(BlattDaten, HinUndZurueckOderDieVorgaben) {
+    TestOrdner t;
+    std::filesystem::create_directory(t / "data");
+    BlattDaten d;
+    d.saiten25 = {blatt::Papier::A3, false, 13.4, 7.5, true, false, false};
+    d.saiten37.saitenAbstand = 10;
+    d.pdfOrdner = "/home/anna/Noten für Harfe";
+    blattDatenSchreiben(d, t.pfad());
+    EXPECT_EQ(blattDatenText(blattDatenLesen(t.pfad())), blattDatenText(d));
+    EXPECT_NE(blattDatenText(d), blattDatenText(BlattDaten{}));
+
+    const std::string vorgaben = blattDatenText(BlattDaten{});
+    const struct {
+        const char* was;
+        std::string inhalt;
+    } kaputt[] = {
+        {"Unsinn", std::string("\x89PNG\0\x01 kein Text", 15)},
+        {"ohne Abschnitt", "Papier=A4\n"},
+        {"Papier A5", "[37 Saiten]\nPapier=A5\n"},
+        {"Abstand zu groß", "[37 Saiten]\nSaitenabstand=20\n"},
+        {"Zahl mit Rest", "[25 Saiten]\nMmProViertel=6mm\n"},
+        {"unbekannter Schlüssel", "[25 Saiten]\nFarbe=rot\n"},
+        {"ja oder nein", "[25 Saiten]\nNotenTexte=1\n"},
+    };
+    for (const auto& k : kaputt) {
+        dateiErsetzen(blattDatenPfad(t.pfad()), k.inhalt);
+        EXPECT_EQ(blattDatenText(blattDatenLesen(t.pfad())), vorgaben) << k.was;
+    }
+    std::filesystem::remove(blattDatenPfad(t.pfad()));
+    EXPECT_EQ(blattDatenText(blattDatenLesen(t.pfad())), vorgaben);
+    // Nothing of it touches the user settings file.
+    EXPECT_FALSE(std::filesystem::exists(userDatenPfad(t.pfad())));
 }
 
 TEST(ZeichenTabellen, NotenUndPausenZeichen) {

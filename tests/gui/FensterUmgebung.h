@@ -56,13 +56,14 @@ public:
         namespace fs = std::filesystem;
         for (const char* sub : {"data", "ini", "lieder"}) fs::create_directories(m_ordner / sub);
         fs::copy(fs::path(LYRABO_BIN_DIR) / "ini", m_ordner / "ini", fs::copy_options::recursive);
+        fs::copy(fs::path(LYRABO_BIN_DIR) / "data" / "schriften", m_ordner / "data" / "schriften", fs::copy_options::recursive);
     }
 
     void starten() {
         m_start = std::make_unique<CStart>(m_ordner.pfad());
         fenster().setNachrichtAntwort([this](QMessageBox::Icon icon, const QString& text, QMessageBox::StandardButtons k) {
             nachrichten.push_back({icon, text, k});
-            return (k & QMessageBox::Cancel) ? frageAntwort : QMessageBox::Ok;
+            return (k & (QMessageBox::Cancel | QMessageBox::No)) ? frageAntwort : QMessageBox::Ok;
         });
         fenster().setDialogAntwort([this](bool, const QString&, const QString&) {
             if (dialogAntworten.empty()) return std::optional<QString>();

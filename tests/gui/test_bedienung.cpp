@@ -129,9 +129,17 @@ TEST(Optionen, ProgrammgesteuerteBewegungenSchreibenKeineEinstellung) {
 TEST(Notenschrift, SchriftlisteOhneDieErsteSchriftUndGepruefteCodes) {
     FensterUmgebung u;
     u.starten();
-    // Every font but the system's first is offered; the first is left out on purpose.
-    const QStringList schriften = QFontDatabase::families();
-    ASSERT_EQ(u.el<QComboBox>("comboFontname")->count(), std::max<qsizetype>(0, schriften.size() - 1));
+    // The program's note font leads the list and is the one chosen at start-up; of the system's
+    // fonts every one but the first is offered, the first is left out on purpose.
+    QStringList system = QFontDatabase::families();
+    system.removeAll("Lyrabo Noten");
+    ASSERT_FALSE(system.isEmpty());
+    auto* liste = u.el<QComboBox>("comboFontname");
+    ASSERT_EQ(liste->count(), system.size());
+    EXPECT_EQ(liste->itemText(0), "Lyrabo Noten");
+    EXPECT_EQ(liste->findText(system[0]), -1);
+    EXPECT_EQ(u.einstellungen().Fontname(), "Lyrabo Noten");
+    EXPECT_EQ(u.el<QLabel>("labPZeichen02", 3)->font().family(), "Lyrabo Noten");
 
     auto* feld = u.el<QLineEdit>("txtZeichen01", 2);
     feld->setText("104");

@@ -102,12 +102,18 @@ TEST_F(Wiedergabe, AFileWithoutTempoEventsPlaysAt120) {
 
 TEST_F(Wiedergabe, EveryPlayThroughSendsTheQueueFromZeroAtItsRateAndStoppingSilences) {
     std::vector<int16_t> tempi;
+    std::vector<int32_t> ticks;
     out.beiTempo([&](int16_t k) { tempi.push_back(k); });
+    out.beiPosition([&](int32_t t) { ticks.push_back(t); });
     spurEinreihen(programm, 2, out);
     out.Action(CMIDIOutput::kOeffnen);
     out.Action(CMIDIOutput::kSpielen);
     ASSERT_TRUE(abgespielt(out));
     EXPECT_EQ(tempi, (std::vector<int16_t>{0, 1, 2}));
+    // Each message reports its place in the piece; the lyric's 50 ticks count here, as the note
+    // sheet places the notes by the file's ticks.
+    EXPECT_EQ(ticks, (std::vector<int32_t>{0, 0, 100, 200, 400, 750, 850, 1050, 1150, 1160, 1170}));
+    out.beiPosition({});
     out.PlaybackRate(100);  // twice as fast
     out.Action(CMIDIOutput::kSpielen);
     ASSERT_TRUE(abgespielt(out));

@@ -122,6 +122,15 @@ std::string streamKopf(const Layout& l) {
         u16(d, 0x0FFF);
         satz(s, 0x000B, d);
     }
+    {
+        // Page set-up: margins left, bottom, top, right, then paper height and width (twips), the
+        // first page number, and header and footer distances of half an inch.
+        std::string d;
+        for (int wert : {kRandSeite, kRandObenUnten, kRandObenUnten, kRandSeite, kSeitenHoehe, kSeitenBreite, 1, 0, 0,
+                         720, 720})
+            u16(d, static_cast<uint16_t>(wert));
+        satz(s, 0x5423, d);
+    }
     return s;
 }
 

@@ -15,9 +15,16 @@ inline constexpr int kNotenSchriftGroesse = 16;  // points
 // Font of the field names (the column heads of the printed list).
 inline constexpr const char* kKopfSchrift = "Arial";
 inline constexpr int kKopfSchriftGroesse = 8;
-// Every column is one string: equal narrow widths in twips (1/1440 inch); 37 of them fit across
-// an A4 page in portrait with half-inch margins.
-inline constexpr int kSpaltenBreite = 280;
+// Every column is one string, as wide as the strings stand apart on the harp: 11.5 mm in twips
+// (1/1440 inch), so a printed sheet laid under the strings puts each column under its string.
+inline constexpr int kSpaltenBreite = 652;
+// Page set-up of the print: A4 landscape (width and height in twips); the side margins leave
+// exactly 25 columns across, so a 25-string sheet fits one page width and a 37-string sheet
+// continues on a second page.
+inline constexpr int kSeitenBreite = 16838;
+inline constexpr int kSeitenHoehe = 11906;
+inline constexpr int kRandSeite = (kSeitenBreite - 25 * kSpaltenBreite) / 2;
+inline constexpr int kRandObenUnten = 567;  // 1 cm
 
 // Fixed positions of the layout (file offsets, 0-based).
 struct Layout {

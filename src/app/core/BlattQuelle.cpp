@@ -58,9 +58,19 @@ blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const
     return s;
 }
 
+namespace {
+
+// The file the reader holds: the window opens through the dialog and leaves MIDIFilePath empty.
+std::filesystem::path geladeneDatei(CProgramm& programm) {
+    const std::string& name = programm.Midifile1.filename();
+    return std::filesystem::path(name.empty() ? programm.Einstellungen().MIDIFilePath() : name);
+}
+
+} // namespace
+
 std::string blattTitel(CProgramm& programm, int16_t spur) {
     Midifile& mf = programm.Midifile1;
-    const std::string datei = std::filesystem::path(programm.Einstellungen().MIDIFilePath()).stem().string();
+    const std::string datei = geladeneDatei(programm).stem().string();
     if (!mf.geladen() || spur < 0 || spur > mf.TrackCount()) return datei;
     const int16_t spurVorher = mf.Track();
     const int16_t ereignisVorher = mf.Event();
@@ -85,7 +95,7 @@ std::string blattTitel(CProgramm& programm, int16_t spur) {
 
 int64_t blattDatum(CProgramm& programm) {
     std::error_code ec;
-    const auto zeit = std::filesystem::last_write_time(std::filesystem::path(programm.Einstellungen().MIDIFilePath()), ec);
+    const auto zeit = std::filesystem::last_write_time(geladeneDatei(programm), ec);
     if (ec) return 0;
     const auto system = std::chrono::file_clock::to_sys(zeit);
     return std::chrono::duration_cast<std::chrono::seconds>(system.time_since_epoch()).count();

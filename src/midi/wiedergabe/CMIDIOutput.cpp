@@ -118,8 +118,9 @@ void CMIDIOutput::stoppen() {
 }
 
 void CMIDIOutput::einreihen() {
-    CQueueNachricht n{m_zeit, m_message, m_data1, m_data2, m_tempoMarker};
+    CQueueNachricht n{m_zeit, m_message, m_data1, m_data2, m_tempoMarker, m_tick};
     m_tempoMarker = -1;
+    m_tick = -1;
     std::lock_guard lk(m_mutex);
     if (m_abgespielt && !m_spielt) {
         // The last queue has been played; queueing begins a new one.
@@ -202,6 +203,7 @@ void CMIDIOutput::abspielen() {
             }
         }
         if (n.tempoMarker >= 0 && m_beiTempo) m_beiTempo(n.tempoMarker);
+        if (n.tick >= 0 && m_beiPosition) m_beiPosition(n.tick);
         lk.lock();
         if (gesendet) m_klingt = true;
     }

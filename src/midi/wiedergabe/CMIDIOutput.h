@@ -2,7 +2,7 @@
 // The MIDI-output object of the main window: a device list, one open device, a queue of
 // time-stamped messages that plays on its own timer thread, a playback rate, and three events.
 //
-// The events (error, tempo, end) are called on the player thread; a window hands them on to its
+// The events (error, tempo, end, position) are called on the player thread; a window hands them on to its
 // own thread. Set them before the first Action 4.
 #include "midi/wiedergabe/MidiAusgang.h"
 
@@ -19,13 +19,15 @@
 namespace lyrabo {
 
 // One queued message: its moment in milliseconds from the start of the queue, the status and
-// data bytes as the file has them, and the tempo-table index to announce when it plays (-1: none).
+// data bytes as the file has them, the tempo-table index to announce when it plays (-1: none),
+// and the event's place in the piece in ticks, announced when it plays (-1: none).
 struct CQueueNachricht {
     double zeitMs = 0;
     int16_t message = 0;
     int16_t data1 = 0;
     int16_t data2 = 0;
     int16_t tempoMarker = -1;
+    int32_t tick = -1;
 };
 
 class CMIDIOutput {
@@ -33,6 +35,7 @@ public:
     using FehlerEreignis = std::function<void(int16_t code, const std::string& text)>;
     using TempoEreignis = std::function<void(int16_t index)>;
     using EndeEreignis = std::function<void()>;
+    using PositionsEreignis = std::function<void(int32_t tick)>;
 
     // Action codes.
     static constexpr int16_t kOeffnen = 1;
@@ -72,6 +75,8 @@ public:
     void Data2(int16_t v) { m_data2 = v; }
     // Tempo-table index that travels with the next queued message.
     void TempoMarker(int16_t index) { m_tempoMarker = index; }
+    // Place in the piece (ticks) that travels with the next queued message.
+    void Tick(int32_t tick) { m_tick = tick; }
 
     void PlaybackRate(int16_t rate);
     int16_t PlaybackRate() const;
@@ -79,6 +84,8 @@ public:
     void beiFehler(FehlerEreignis f) { m_beiFehler = std::move(f); }
     void beiTempo(TempoEreignis f) { m_beiTempo = std::move(f); }
     void beiEnde(EndeEreignis f) { m_beiEnde = std::move(f); }
+    // Raised after each message that carries a tick has been sent: where the music is now.
+    void beiPosition(PositionsEreignis f) { m_beiPosition = std::move(f); }
 
     // The queue as it stands, in playing order.
     std::vector<CQueueNachricht> Queue() const;
@@ -106,10 +113,12 @@ private:
     double m_zeit = 0;
     int16_t m_message = 0, m_data1 = 0, m_data2 = 0;
     int16_t m_tempoMarker = -1;
+    int32_t m_tick = -1;
 
     FehlerEreignis m_beiFehler;
     TempoEreignis m_beiTempo;
     EndeEreignis m_beiEnde;
+    PositionsEreignis m_beiPosition;
 
     // Guards everything below; the player thread holds it except while it sends or raises events.
     mutable std::mutex m_mutex;

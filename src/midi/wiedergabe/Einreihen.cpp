@@ -1,5 +1,8 @@
 #include "midi/wiedergabe/Einreihen.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace lyrabo {
 
 namespace {
@@ -31,11 +34,13 @@ void spurEinreihen(CProgramm& programm, int16_t spur, CMIDIOutput& ausgabe, cons
     // The playing clock starts at zero for every track.
     double vorige = 0;
     int16_t index = 0;
+    int64_t tick = 0;  // the event's place in the piece, meta events included, for the note sheet
     for (int32_t i = 1; i <= anzahl; ++i) {
         // The cursor is shared with the rest of the window, which may have moved it while user
         // events were let through: select track and event afresh each time.
         if (mf.Track() != spur) mf.Track(spur);
         mf.Event(i);
+        tick = std::min<int64_t>(tick + std::max<int32_t>(mf.Time(), 0), INT32_MAX);
         if (mf.Message() == 255) continue;  // meta events are not sent, and their delta time is not counted
 
         // Entry 0 of the tempo table is never filled, so the first event keeps the previous time
@@ -52,6 +57,7 @@ void spurEinreihen(CProgramm& programm, int16_t spur, CMIDIOutput& ausgabe, cons
         ausgabe.Message(mf.Message());
         ausgabe.Data1(mf.Data1());
         ausgabe.Data2(mf.Data2());
+        ausgabe.Tick(static_cast<int32_t>(tick));
         ausgabe.Action(CMIDIOutput::kEinreihen);
         vorige = zeit;
 

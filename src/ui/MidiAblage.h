@@ -1,0 +1,26 @@
+#pragma once
+// Files dragged onto the main window: a MIDI file opens, anything else gets a German message.
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace lyrabo {
+
+class MidiAblage : public QObject {
+public:
+    MidiAblage(QObject* eltern, std::function<void(const QString& pfad)> oeffnen,
+               std::function<void(const QString& text)> meldung);
+
+    // The message for a dropped file that is not a MIDI file.
+    static QString keineMidiDatei(const QString& name);
+
+protected:
+    bool eventFilter(QObject* ziel, QEvent* ereignis) override;
+
+private:
+    std::function<void(const QString&)> m_oeffnen;
+    std::function<void(const QString&)> m_meldung;
+};
+
+} // namespace lyrabo
