@@ -35,8 +35,10 @@ inline void optionenSetzen(CEinstellungen& e, uint8_t schalter, uint8_t transpo)
     e.Transpo(static_cast<int16_t>(transpo % 73 - 36));
 }
 
-// The note sheet of what was converted last, laid out as the program hands it over.
-inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, uint8_t schalter) {
+// The note sheet of what was converted last, laid out as the program hands it over; a sheet that
+// holds no music says why, and that goes to `gesagt`.
+inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, uint8_t schalter,
+                        std::vector<std::string>& gesagt) {
     const blatt::Stueck stueck = blattStueck(p, noten, blattTitel(p, spur));
     blatt::Einstellungen e = blatt::standardFuer(stueck.saiten);
     e.papier = schalter & 1 ? blatt::Papier::A4 : blatt::Papier::A3;
@@ -46,8 +48,8 @@ inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, 
     e.melodieLinie = schalter & 16;
     e.saitenAbstand = 10 + (schalter >> 5 & 1) * 4;
     e.mmProViertel = schalter >> 6 == 0 ? 4.0 : schalter >> 6 == 1 ? 6.0 : 20.0;
-    volatile size_t seiten = blatt::setzen(stueck, blatt::begrenzt(e)).seiten.size();
-    (void)seiten;
+    const blatt::Blatt b = blatt::setzen(stueck, blatt::begrenzt(e));
+    if (!b.hinweis.empty()) gesagt.push_back(b.hinweis);
 }
 
 // A click on the track's row and its note sheet, then the KlangNoten text and the save menu's
@@ -55,7 +57,7 @@ inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, 
 inline void spurUmrechnen(CProgramm& p, StilleForm& form, int16_t spur, uint8_t blattSchalter) {
     form.zeile = static_cast<int16_t>(spur - 1);
     p.neuBerechnen();
-    blattSetzen(p, p.KlangNoten, spur, blattSchalter);
+    blattSetzen(p, p.KlangNoten, spur, blattSchalter, form.meldungen);
     CKLNCreator& kln = p.KLNCreator();
     volatile size_t laenge = kln.getKlangNotenString().size();
     (void)laenge;
@@ -114,7 +116,7 @@ inline std::vector<std::string> ganzerWeg(const std::string& bytes, const std::f
         const auto& auswahl = e.SpurSelected();
         for (int32_t i = 1; i <= auswahl->Count(); ++i) auswahl->Item(i)->Value(i <= spuren ? 1 : 0);
         programm.KLNCreator().spurenMischen();
-        blattSetzen(programm, programm.KlangNotenMix, 0, byteVonHinten(3));
+        blattSetzen(programm, programm.KlangNotenMix, 0, byteVonHinten(3), gesagt);
     } catch (const Fehler& f) {
         gesagt.push_back(f.what());
     }

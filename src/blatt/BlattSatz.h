@@ -7,7 +7,6 @@
 
 namespace lyrabo::blatt {
 
-// Throws Fehler (German text) for a sheet of more pages than anyone could play from.
 Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen);
 
 } // namespace lyrabo::blatt
