@@ -1,48 +1,22 @@
 // libFuzzer target: any bytes through the MIDI reader, and what loads through everything the
 // program computes from a freshly opened file. Our own errors (Fehler) are the expected answer to
 // bad input; anything else escaping, a sanitizer report or a hang is a finding.
+#include "FuzzHilfen.h"
+
 #include "app/core/CProgramm.h"
-#include "midi/EreignisListe.h"
-#include "midi/Midifile.h"
 #include "model/Fehler.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <filesystem>
-#include <string>
 
-namespace {
-
-class StilleForm : public lyrabo::IForm {
-public:
-    void meldung(const std::string&) override {}
-    int16_t ausgewaehlteSpurZeile() const override { return 0; }
-};
-
-// Every value of every event the 16-bit cursor can reach.
-void allesLesen(lyrabo::Midifile& m) {
-    for (int16_t t = 1; t <= m.TrackCount(); ++t) {
-        m.Track(t);
-        const int32_t n = m.EventCount() < 32767 ? m.EventCount() : 32767;
-        for (int32_t i = 1; i <= n; ++i) {
-            m.Event(i);
-            volatile int64_t summe = int64_t{m.Message()} + m.Data1() + m.Data2() + m.Time() + m.Tempo() +
-                                     m.Numerator() + m.Denominator();
-            (void)summe;
-            volatile size_t laenge = m.BufferText().size() + m.Text().size() + lyrabo::ereignisZeile(m).size();
-            (void)laenge;
-        }
-    }
-}
-
-} // namespace
+using lyrabo::fuzz::allesLesen;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static StilleForm form;
+    static lyrabo::fuzz::StilleForm form;
     static lyrabo::CProgramm programm(std::filesystem::temp_directory_path() / "lyrabo-fuzz-ohne-ordner", form);
     static bool bereit = (programm.initGlobals(), true);
     (void)bereit;
 
+    form.meldungen.clear();
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     lyrabo::Midifile& m = programm.Midifile1;
     m.Action(5);

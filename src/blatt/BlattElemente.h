@@ -95,6 +95,7 @@ struct Blatt {
     int ausserhalb = 0;           // notes that lie beside the strings
     bool transpoVorschlag = false;
     int16_t vorschlag = 0;        // transposition that would bring every note onto the strings
+    std::string hinweis;          // why the sheet holds no music (German), empty when it does
 };
 
 } // namespace lyrabo::blatt

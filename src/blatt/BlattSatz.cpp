@@ -29,6 +29,10 @@ constexpr double kKopfText = 1.0;       // bar number above the bar line
 
 constexpr int kMaxTeile = 64;           // tied parts of one note: more is no music
 constexpr int kMaxTakte = 32767;
+// A sheet longer than this is no sheet to play from: a stray event far behind the music, or hours
+// of rests. It becomes one page that says so, decided before any page is drawn, since drawing
+// thousands of them takes long.
+constexpr int kMaxSeiten = 100;
 
 const Farbe kSaitenLinie{225, 225, 225};
 const Farbe kOktavLinie{190, 205, 240};
@@ -414,6 +418,20 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     }
 
     const int seitenGesamt = int(std::max<size_t>(1, seitenAnfaenge.size()) * streifen.size());
+    if (seitenGesamt > kMaxSeiten) {
+        Blatt zuLang;
+        zuLang.hinweis = "Das Notenblatt hätte " + std::to_string(seitenGesamt) + " Seiten; mehr als " +
+                         std::to_string(kMaxSeiten) + " Seiten legt Lyrabo nicht an.";
+        Seite seite;
+        seite.breite = format.breite;
+        seite.hoehe = format.hoehe;
+        const double x = seitenRand + 10;
+        seite.elemente.push_back({Text{{x, musikOben}, stueck.titel, 14, Ausrichtung::Links, true}});
+        seite.elemente.push_back({Text{{x, musikOben + 12}, zuLang.hinweis, 12}});
+        seite.elemente.push_back({Text{{x, musikOben + 19}, "Liegt ein Ereignis der MIDI-Datei weit hinter der Musik?", 12}});
+        zuLang.seiten.push_back(std::move(seite));
+        return zuLang;
+    }
     const int tempo = stueck.tempo > 0 ? int(std::lround(60000000.0 / stueck.tempo)) : 120;
     int seitenNr = 0;
     const size_t vertikal = std::max<size_t>(1, seitenAnfaenge.size());

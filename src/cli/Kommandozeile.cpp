@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <new>
 
 #ifdef LYRABO_MIT_BLATT
 #include "blattmaler/BlattPdf.h"
@@ -107,9 +108,13 @@ int CKommandozeile::dateiBearbeiten(const std::string& datei) {
         melden(f.what());
         return m_phase == Phase::Laden ? kMidiDateiFehler : kKonvertierungFehler;
     } catch (const std::exception& f) {
-        std::string text = f.what();
-        if (dynamic_cast<const Fehler*>(&f) == nullptr) text = "Unerwarteter Fehler: " + text;
-        melden(text);
+        // Our own errors speak German; a library's English text is never shown.
+        if (dynamic_cast<const Fehler*>(&f) != nullptr) melden(f.what());
+        else if (dynamic_cast<const std::bad_alloc*>(&f) != nullptr)
+            melden("Nicht genügend Arbeitsspeicher für diesen Schritt.");
+        else if (m_phase == Phase::Laden) melden(ungueltig(datei) + "Ihr Inhalt lässt sich nicht lesen.");
+        else if (m_phase == Phase::Umsetzen) melden("Unerwarteter Fehler: Die Umrechnung wurde abgebrochen.");
+        else melden("Unerwarteter Fehler: Die Ausgabe wurde nicht vollständig geschrieben.");
         switch (m_phase) {
         case Phase::Laden: return kMidiDateiFehler;
         case Phase::Umsetzen: return kKonvertierungFehler;

@@ -55,8 +55,9 @@ int main(int argc, char** argv) {
     try {
         CKommandozeile kommandozeile(programmOrdner(argc > 0 ? argv[0] : nullptr), std::cout, std::cerr);
         return kommandozeile.ausfuehren(aufruf);
-    } catch (const std::exception& f) {
-        std::cerr << "lyrabo-cli: Unerwarteter Fehler: " << f.what() << std::endl;
+    } catch (const std::exception&) {
+        // A library's English text means nothing to the user.
+        std::cerr << "lyrabo-cli: Unerwarteter Fehler, der Aufruf wurde abgebrochen." << std::endl;
         return kKonvertierungFehler;
     }
 }

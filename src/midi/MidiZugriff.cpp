@@ -52,12 +52,18 @@ bool CProgramm::openMIDIFile(int16_t mode) {
 
     if (!engine.openDialog_MIDIFile(mode)) return false;
 
+    // What the file holds is still part of loading it: a failure here names the file.
+    const std::string& name = Midifile1.filename();
     std::vector<std::string> labels;
-    for (int16_t spur = 1; spur <= Midifile1.TrackCount(); ++spur) labels.push_back(spurBezeichnung(spur));
+    beimLaden(name, [&] {
+        for (int16_t spur = 1; spur <= Midifile1.TrackCount(); ++spur) labels.push_back(spurBezeichnung(spur));
+    });
     m_form.trackListeFuellen(labels);
-    tempoScan();
-    GetTimeSignatureFRMIntern();
-    zeitSignaturAnzeige();
+    beimLaden(name, [this] {
+        tempoScan();
+        GetTimeSignatureFRMIntern();
+        zeitSignaturAnzeige();
+    });
 
     // One entry per track for the mixing check boxes, none ticked.
     const auto& gewaehlt = Einstellungen().SpurSelected();

@@ -6,9 +6,24 @@
 
 #include <cstdio>
 #include <fstream>
+#include <new>
 #include <system_error>
 
 namespace lyrabo {
+
+std::string ungueltig(const std::string& name) { return "Die Datei \"" + name + "\" ist keine gültige MIDI-Datei: "; }
+
+void beimLaden(const std::string& name, const std::function<void()>& schritt) {
+    try {
+        schritt();
+    } catch (const Fehler&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw MidiDateiFehler(ungueltig(name) + "Für ihren Inhalt reicht der Arbeitsspeicher nicht.");
+    } catch (const std::exception&) {
+        throw MidiDateiFehler(ungueltig(name) + "Ihr Inhalt lässt sich nicht lesen.");
+    }
+}
 
 namespace {
 
@@ -18,9 +33,7 @@ class Leser {
 public:
     Leser(const std::string& b, size_t basis, const std::string& name) : m_b(b), m_basis(basis), m_name(name) {}
 
-    [[noreturn]] void fehler(const std::string& was) const {
-        throw MidiDateiFehler("Die Datei \"" + m_name + "\" ist keine gültige MIDI-Datei: " + was);
-    }
+    [[noreturn]] void fehler(const std::string& was) const { throw MidiDateiFehler(ungueltig(m_name) + was); }
     // "Spur 2, Byte 120: " for a place in the file.
     std::string ort(size_t pos) const {
         std::string s = m_spur > 0 ? "Spur " + std::to_string(m_spur) + ", " : std::string();
@@ -202,25 +215,44 @@ std::string hexPaare(const std::vector<uint8_t>& b) {
     return s;
 }
 
+// A chunk name for a message: bytes outside printable ASCII become '?'.
+std::string druckbar(std::string s) {
+    for (char& c : s)
+        if (c < 0x20 || c > 0x7E) c = '?';
+    return s;
+}
+
 } // namespace
 
 MidiDateiInhalt midiDateiParsen(const std::string& roh, const std::string& name) {
-    if (roh.size() >= 12 && roh.compare(0, 4, "RIFF") == 0 && roh.compare(8, 4, "RMID") == 0) {
-        Leser riff(roh, 0, name);
-        size_t pos = 12;
-        while (roh.size() - pos >= 8) {
-            uint32_t n = u32le(roh, pos + 4);
-            if (roh.compare(pos, 4, "data") == 0) {
-                if (n > roh.size() - pos - 8)
-                    riff.fehler(riff.ort(pos) + "Der RIFF-Datenblock reicht über das Dateiende hinaus.");
-                return smfParsen(roh.substr(pos + 8, n), pos + 8, name);
-            }
-            if (n > roh.size() - pos - 8) break;
-            pos += 8 + size_t{n} + (n & 1); // RIFF chunks are padded to even lengths
-        }
-        riff.fehler("Die RIFF-Datei enthält keinen MIDI-Datenblock.");
+    if (roh.size() < 12 || roh.compare(0, 4, "RIFF") != 0) {
+        if (roh.size() >= 4 && roh.compare(0, 4, "RIFF") == 0)
+            Leser(roh, 0, name).fehler("Der RIFF-Kopf ist unvollständig.");
+        return smfParsen(roh, 0, name);
     }
-    return smfParsen(roh, 0, name);
+    if (roh.compare(8, 4, "RMID") != 0) return smfParsen(roh, 0, name);
+    // Walk the chunks after "RMID" to the one named "data". Every step is checked against what is
+    // left, so neither a length nor a pad byte can carry the position past the end.
+    Leser riff(roh, 0, name);
+    size_t pos = 12;
+    while (pos < roh.size()) {
+        const size_t rest = roh.size() - pos;
+        if (rest < 8) riff.fehler(riff.ort(pos) + "Der Kopf eines RIFF-Blocks ist abgeschnitten.");
+        const uint32_t n = u32le(roh, pos + 4);
+        const bool daten = roh.compare(pos, 4, "data") == 0;
+        if (n > rest - 8) {
+            if (daten) riff.fehler(riff.ort(pos) + "Der RIFF-Datenblock reicht über das Dateiende hinaus.");
+            riff.fehler(riff.ort(pos) + "Der RIFF-Block \"" + druckbar(roh.substr(pos, 4)) + "\" mit " +
+                        std::to_string(n) + " Bytes reicht über das Dateiende hinaus.");
+        }
+        if (daten) return smfParsen(roh.substr(pos + 8, n), pos + 8, name);
+        // RIFF chunks are padded to even lengths.
+        if ((n & 1) && n == rest - 8)
+            riff.fehler(riff.ort(pos) + "Dem RIFF-Block \"" + druckbar(roh.substr(pos, 4)) +
+                        "\" fehlt das Füllbyte am Ende.");
+        pos += 8 + size_t{n} + (n & 1);
+    }
+    riff.fehler("Die RIFF-Datei enthält keinen MIDI-Datenblock (\"data\").");
 }
 
 void Midifile::Action(int16_t befehl) {
@@ -231,40 +263,44 @@ void Midifile::Action(int16_t befehl) {
         m_spur = 0;
         m_ereignis = 0;
         break;
-    case 1: {
-        namespace fs = std::filesystem;
-        const fs::path pfad = fs::u8path(m_dateiname);
-        const std::string name = m_dateiname;
-        std::error_code ec;
-        if (name.empty()) throw MidiDateiFehler("Es wurde keine MIDI-Datei angegeben.");
-        if (!fs::exists(pfad, ec)) throw MidiDateiFehler("Die Datei \"" + name + "\" wurde nicht gefunden.");
-        if (fs::is_directory(pfad, ec)) throw MidiDateiFehler("\"" + name + "\" ist ein Ordner, keine MIDI-Datei.");
-        auto groesse = fs::file_size(pfad, ec);
-        if (!ec && groesse > kMidiDateiHoechstGroesse)
-            throw MidiDateiFehler("Die Datei \"" + name + "\" ist mit " + std::to_string(groesse) +
-                                  " Bytes zu groß für eine MIDI-Datei.");
-        std::ifstream in(pfad, std::ios::binary);
-        if (!in) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht geöffnet werden.");
-        std::string bytes;
-        if (!ec) bytes.reserve(static_cast<size_t>(groesse));
-        char puffer[65536];
-        while (in.read(puffer, sizeof puffer) || in.gcount() > 0) {
-            bytes.append(puffer, static_cast<size_t>(in.gcount()));
-            if (bytes.size() > kMidiDateiHoechstGroesse)
-                throw MidiDateiFehler("Die Datei \"" + name + "\" ist zu groß für eine MIDI-Datei.");
-        }
-        if (in.bad()) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht gelesen werden.");
-        ladenAusBytes(bytes, name);
+    case 1:
+        beimLaden(m_dateiname, [this] { dateiLaden(); });
         break;
-    }
     default:
         break;
     }
 }
 
+void Midifile::dateiLaden() {
+    namespace fs = std::filesystem;
+    const fs::path pfad = fs::u8path(m_dateiname);
+    const std::string name = m_dateiname;
+    std::error_code ec;
+    if (name.empty()) throw MidiDateiFehler("Es wurde keine MIDI-Datei angegeben.");
+    if (!fs::exists(pfad, ec)) throw MidiDateiFehler("Die Datei \"" + name + "\" wurde nicht gefunden.");
+    if (fs::is_directory(pfad, ec)) throw MidiDateiFehler("\"" + name + "\" ist ein Ordner, keine MIDI-Datei.");
+    auto groesse = fs::file_size(pfad, ec);
+    if (!ec && groesse > kMidiDateiHoechstGroesse)
+        throw MidiDateiFehler("Die Datei \"" + name + "\" ist mit " + std::to_string(groesse) +
+                              " Bytes zu groß für eine MIDI-Datei.");
+    std::ifstream in(pfad, std::ios::binary);
+    if (!in) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht geöffnet werden.");
+    std::string bytes;
+    if (!ec) bytes.reserve(static_cast<size_t>(groesse));
+    char puffer[65536];
+    while (in.read(puffer, sizeof puffer) || in.gcount() > 0) {
+        bytes.append(puffer, static_cast<size_t>(in.gcount()));
+        if (bytes.size() > kMidiDateiHoechstGroesse)
+            throw MidiDateiFehler("Die Datei \"" + name + "\" ist zu groß für eine MIDI-Datei.");
+    }
+    if (in.bad()) throw MidiDateiFehler("Die Datei \"" + name + "\" konnte nicht gelesen werden.");
+    ladenAusBytes(bytes, name);
+}
+
 void Midifile::ladenAusBytes(const std::string& bytes, const std::string& name) {
     // Parse first, replace afterwards: a failure leaves what was loaded untouched.
-    auto neu = std::make_shared<const MidiDateiInhalt>(midiDateiParsen(bytes, name));
+    std::shared_ptr<const MidiDateiInhalt> neu;
+    beimLaden(name, [&] { neu = std::make_shared<const MidiDateiInhalt>(midiDateiParsen(bytes, name)); });
     m_inhalt = std::move(neu);
     m_spur = 0;
     m_ereignis = 0;

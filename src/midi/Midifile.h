@@ -5,6 +5,7 @@
 // sum the delta times themselves.
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,6 +34,14 @@ struct MidiDateiInhalt {
 // offset in the file. Tempo and time-signature events are checked here, so that everything the
 // program computes from them later has sound values.
 MidiDateiInhalt midiDateiParsen(const std::string& bytes, const std::string& name);
+
+// The start every message about a broken file shares: "Die Datei "name" ist keine gültige MIDI-Datei: ".
+std::string ungueltig(const std::string& name);
+
+// Runs one step of loading the file `name`. The program's own errors pass as they are; anything
+// else (a library's exception, memory running out) becomes a MidiDateiFehler naming the file, so
+// that no library's English text ever reaches the user.
+void beimLaden(const std::string& name, const std::function<void()>& schritt);
 
 // Files larger than this are refused before they are read: no MIDI file comes near it.
 inline constexpr std::uintmax_t kMidiDateiHoechstGroesse = 64u * 1024u * 1024u;
@@ -78,6 +87,7 @@ public:
     const MidiDateiInhalt* inhalt() const { return m_inhalt.get(); }
 
 private:
+    void dateiLaden();
     const MidiSpurDaten& spur() const;
     const MidiEreignis* aktuell() const;
 

@@ -814,8 +814,9 @@ bool frmLyrabo::sicher(const std::function<void()>& arbeit) {
         nachricht(QMessageBox::Warning, ausUtf8(f.what()));
     } catch (const std::bad_alloc&) {
         nachricht(QMessageBox::Critical, QStringLiteral("Nicht genügend Arbeitsspeicher für diesen Schritt."));
-    } catch (const std::exception& f) {
-        nachricht(QMessageBox::Critical, QStringLiteral("Unerwarteter Fehler: %1").arg(ausUtf8(f.what())));
+    } catch (const std::exception&) {
+        // A library's English text means nothing to the user; loading already names the file.
+        nachricht(QMessageBox::Critical, QStringLiteral("Unerwarteter Fehler: Der Schritt wurde abgebrochen."));
     }
     return false;
 }

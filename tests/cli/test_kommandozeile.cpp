@@ -155,22 +155,20 @@ protected:
     fs::path programm = ordner / "programm";
 };
 
-// Each file into the folder under its own name, as the core converts its preselected track; a bad
-// file is reported, a second file of the same name refused, and the others go on. Nothing
-// temporary is left beside the outputs.
-TEST_F(CliTest, MehrereDateienInEinenOrdnerEineSchlechteHaeltNichtAuf) {
-    fs::path eins = midi("eins.mid"), kaputt = datei("kaputt.mid"), aus = datei("aus");
-    schreiben(kaputt, "MThd kaputt");
+// Each file into the folder under its own name, as the core converts its preselected track; a
+// second file of the same name is refused, and the others go on. Nothing temporary is left beside
+// the outputs.
+TEST_F(CliTest, MehrereDateienInEinenOrdnerGleicherNameWirdAbgelehnt) {
+    fs::path eins = midi("eins.mid"), aus = datei("aus");
     MidiBauer b(96, 0);
     b.spur().name("Solo").note(0, 67, 96).note(0, 69, 192).ende();
     fs::path zwei = midi("zwei.mid", b);
     fs::create_directories(datei("b"));
     fs::copy_file(zwei, datei("b") / "eins.mid");
 
-    Lauf l = lauf({"convert", eins.string(), kaputt.string(), zwei.string(), (datei("b") / "eins.mid").string(),
-                   "--ausgabe", aus.string(), "--formate", "harfentext,wdb"});
-    EXPECT_EQ(l.code, 3) << l.fehler;
-    EXPECT_TRUE(enthaelt(l.fehler, "kaputt.mid: ")) << l.fehler;
+    Lauf l = lauf({"convert", eins.string(), zwei.string(), (datei("b") / "eins.mid").string(), "--ausgabe",
+                   aus.string(), "--formate", "harfentext,wdb"});
+    EXPECT_EQ(l.code, 2) << l.fehler;
     EXPECT_TRUE(enthaelt(l.fehler, "\"eins\" schon erzeugt")) << l.fehler;
     EXPECT_TRUE(enthaelt(l.fehler, "Daten gespeichert!"));
     EXPECT_TRUE(l.aus.empty());
@@ -350,6 +348,50 @@ TEST_F(CliTest, InfoUndEventsZeigenWasDerKernVonDerDateiWeiss) {
     EXPECT_EQ(zeilenVon(lauf({"events", midi("lang.mid", b).string(), "--spur", "1"}).aus).size(), 500u);
 }
 
+// The broken file of the fuzzer's first finding (its row in tests/core/test_fuzzfunde.cpp) and a
+// RIFF-wrapped song cut at every byte: `info` and `convert` give exit code 3 and one German line
+// per file naming it, and write nothing; the whole song after them converts.
+TEST_F(CliTest, AbgeschnitteneRiffDateienGebenEineDeutscheMeldung) {
+    std::vector<std::pair<std::string, std::string>> kaputt = {
+        {datei("fund.mid").string(), "Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende."}};
+    schreiben(kaputt[0].first, ausHex("52 49 46 46 4D 5C 68 64 52 4D 49 44 41 81 41 00 00 00 00 00 00 00 00 EA 03 00 00 00 00 00 00"));
+    const std::string smf = lied().bytes();
+    const std::string rmid = "RMIDLIST" + le32(3) + "abc" + '\0' + "data" + le32(smf.size()) + smf;
+    const std::string riff = "RIFF" + le32(rmid.size()) + rmid;
+    // Cut anywhere, it is broken; only a pad byte after odd data may go missing.
+    for (size_t n = 0; n < riff.size() - (smf.size() & 1); ++n) {
+        kaputt.emplace_back(datei("ab" + std::to_string(n) + ".mid").string(), "");
+        schreiben(kaputt.back().first, riff.substr(0, n));
+    }
+    const std::string ganz = datei("ganz.mid").string();
+    schreiben(ganz, riff);
+
+    std::vector<std::string> dateien;
+    for (const auto& k : kaputt) dateien.push_back(k.first);
+    dateien.push_back(ganz); // after all of them, and still converted
+    auto mit = [&](std::vector<std::string> args) {
+        args.insert(args.begin() + 1, dateien.begin(), dateien.end());
+        return lauf(args);
+    };
+    for (const Lauf& l : {mit({"info"}), mit({"convert", "--ausgabe", datei("aus").string()})}) {
+        EXPECT_EQ(l.code, 3);
+        auto zeilen = zeilenVon(l.fehler);
+        std::erase(zeilen, "Daten gespeichert!");
+        ASSERT_EQ(zeilen.size(), kaputt.size()) << l.fehler;
+        for (size_t i = 0; i < zeilen.size(); ++i) {
+            const auto& [pfad, meldung] = kaputt[i];
+            const std::string anfang = pfad + ": Die Datei \"" + pfad + "\" ist keine gültige MIDI-Datei: ";
+            ASSERT_EQ(zeilen[i].rfind(anfang, 0), 0u) << zeilen[i];
+            const std::string rest = zeilen[i].substr(anfang.size());
+            EXPECT_TRUE(enthaelt(rest, meldung)) << rest;
+            // Nothing of a library's English text.
+            for (const char* englisch : {"std::", "basic_", "__", "size", "range", "error", "Unerwartet"})
+                EXPECT_FALSE(enthaelt(rest, englisch)) << rest;
+        }
+    }
+    EXPECT_EQ(dateienIn(datei("aus")), (std::set<std::string>{"ganz.txt", "ganz.klangnoten.txt", "ganz.wdb"}));
+}
+
 // Exit codes: 2 a wrong call, 3 a file that cannot be read, 4 a conversion that fails, 5 an output
 // that cannot be written. Whatever fails, the text already there stays as it was.
 TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) {
@@ -357,7 +399,6 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
     schreiben(h, "alt");
     schreiben(pdf, "alt");
     fs::create_directories(pdf + ".lyrabo-tmp/belegt");  // the sheet's temporary file cannot be made
-    schreiben(datei("kaputt.mid"), std::string("MThd\0\0\0\6\0\1\0\1\1\340MTrk\0\0\0\40\0\220", 24));
     MidiBauer b(480);
     b.spur().name("Eins").note(0, 60, 480).aus(0, 1, 62).ende();  // a note ends that never started
     const std::string noten = midi("noten.mid", b).string();
@@ -376,7 +417,6 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         {{"convert", lied_, lied_}, 2, "--ausgabe"},
         {{"convert", lied_, "--harfentext", "-", "--klangnoten", "-"}, 2, "Standardausgabe"},
         {{"convert", datei("fehlt.mid").string(), "--harfentext", h}, 3, "fehlt.mid"},
-        {{"info", datei("kaputt.mid").string()}, 3, ""},
         {{"convert", lied_, "--spur", "4", "--harfentext", h}, 2, "Die Spur 4 gibt es nicht; die Datei hat 3 Spuren."},
         {{"events", noten, "--spur", "2"}, 2, "Die Spur 2 gibt es nicht; die Datei hat 1 Spur."},
         {{"mix", lied_, "--spuren", "2,9", "--harfentext", h}, 2, "Die Spur 9 gibt es nicht"},

@@ -278,15 +278,26 @@ TEST(EngineNotenInTakt, JedeZeileDerTabelleUndDieRaender) {
 // ---- rests ----
 
 TEST(EnginePausen, LueckenWerdenAnSchlagUndTaktGeteiltLangVorKurz) {
-    Lauf u({{0, 480, 60}, {1080, 240, 62}, {1920, 480, 64}, {3720, 120, 65}, {3840, 120, 66}, {4680, 480, 67}},
+    Lauf u({{0, 480, 60}, {1080, 240, 62}, {1920, 480, 64}, {3720, 120, 65}, {3840, 120, 66}, {4680, 480, 67},
+            {5160, 240, 68}, {5760, 240, 69}, {6360, 240, 70}, {6960, 240, 71}},
            {.punktiert = true});
     EXPECT_EQ(pausenVon(u), (std::vector<Pause>{
                                 {480, 480, 60, 1}, {960, 120, 60, 1},   // 5 units: 4 + 1
                                 {1320, 120, 62, 2}, {1440, 480, 62, 2}, // off the beat: to it, then 4
                                 {2400, 960, 64, 3}, {3360, 360, 64, 3}, // 11 units: 8 + 3
                                 {3960, 360, 66, 5}, {4320, 360, 66, 5}, // 6 units after a beat: 3 + 3
+                                // Under 4 units off the beat a gap stays whole: 1 unit 2 after the
+                                // beat, 3 units 1, 2 and 3 after it.
+                                {5040, 120, 67, 6}, {5400, 360, 68, 7}, {6000, 360, 69, 8}, {6600, 360, 70, 9},
                             }));
     for (const auto& p : *u.pausen()) EXPECT_EQ(p->TaktNr(), 0);
+    // Without dotted rests each of them is an eighth and a sixteenth after it.
+    u.e().PunktiertePausen(false);
+    ASSERT_TRUE(u.produce(false));
+    const auto ohne = pausenVon(u);
+    EXPECT_EQ(std::vector<Pause>(ohne.end() - 6, ohne.end()),
+              (std::vector<Pause>{{5400, 240, 68, 7}, {5640, 120, 68, 7}, {6000, 240, 69, 8}, {6240, 120, 69, 8},
+                                  {6600, 240, 70, 9}, {6840, 120, 70, 9}}));
     // Touching chords leave no rest; the leading rest carries the pitch of the first chord's last
     // note and chord number 0.
     Lauf v({{480, 480, 64}, {480, 480, 60}, {960, 960, 62}});

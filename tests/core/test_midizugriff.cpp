@@ -65,13 +65,13 @@ TEST(MidiOeffnen, SpurnamenTempoTaktartUndTempoTabelle) {
     ASSERT_EQ(u.programm.TempoAnzahl, 2);
     EXPECT_EQ((std::array{t[1].ticksProMs1000, t[2].ticksProMs1000}), (std::array{0, 1}));
 
-    // The next file starts with an empty table.
+    // The next file starts with an empty table; 1,832 µs is the fastest tempo that fits 16 bits.
     MidiBauer zwei(480);
-    zwei.spur().tempo(0, 600000).ende();
+    zwei.spur().tempo(0, 1832).ende();
     oeffnen(u, zwei);
     EXPECT_EQ(u.programm.TempoAnzahl, 1);
     EXPECT_EQ(u.programm.TempoTabelle[2].tempo, 0);
-    EXPECT_EQ(u.e().Tempo(), 100);
+    EXPECT_EQ(u.e().Tempo(), 32751);
 
     MidiBauer zuViele(480);
     auto& s = zuViele.spur();
@@ -168,7 +168,10 @@ TEST(Taktlaengen, GewaehlteSpurTaktOhneTickUndUeberlauf) {
         EXPECT_EQ(std::string(f.what()),
                   "Die Taktart 1/8 ergibt bei 1 Ticks pro Viertelnote einen Takt von 0 Ticks; so lassen sich keine Takte bilden.");
     }
-    // A bar longer than 32767 ticks, and more than 32767 bars, are overflows.
+    // A bar longer than 32767 ticks, more than 32767 bars, and 32768 quarters a minute are overflows.
+    MidiBauer schnell(480);
+    schnell.spur().tempo(0, 1831).ende();
+    EXPECT_THROW(oeffnen(u, schnell), UeberlaufFehler);
     oeffnen(u, mitTaktarten(960, {{0, 9, 0}}, 100));
     EXPECT_THROW(takte(u, 1), UeberlaufFehler);
     oeffnen(u, mitTaktarten(1, {{0, 1, 2}}, 40000));

@@ -38,10 +38,11 @@ TEST(Fehler, MeldungenLassenDasFensterLaufen) {
     u.menue("mCreateAbschnittsINIs")->trigger();
     gemeldet("wdb_25.ini");
 
+    // A RIFF file whose odd chunk runs up to the end without its pad byte.
     const auto kaputt = u.ordner() / "lieder" / "kaputt.mid";
-    dateiErsetzen(kaputt, std::string("MThd\0\0\0\6\0\1\0\2\1\340MTrk\0\0\1\0\0\220", 24));
+    dateiErsetzen(kaputt, std::string("RIFFM\\hdRMIDA\x81\x41\0\0\0\0\0\0\0\0\xEA\x03\0\0\0\0\0\0", 31));
     u.oeffnen(kaputt);
-    gemeldet("kaputt.mid");
+    gemeldet("kaputt.mid\" ist keine gültige MIDI-Datei: Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende.");
     // The reader let go of the old file, so its tracks are no longer offered.
     EXPECT_EQ(u.el<QListWidget>("TrackList")->count(), 0);
     EXPECT_EQ(u.el<QListWidget>("MessageList")->count(), 0);

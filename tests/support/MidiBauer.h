@@ -118,4 +118,16 @@ private:
     std::vector<MidiSpur> m_spuren;
 };
 
+// Four bytes of a little-endian length, as RIFF chunks give it.
+inline std::string le32(size_t v) {
+    return {char(v & 0xFF), char((v >> 8) & 0xFF), char((v >> 16) & 0xFF), char((v >> 24) & 0xFF)};
+}
+
+// Bytes from hex pairs separated by blanks ("4D 54 68 64").
+inline std::string ausHex(const std::string& hex) {
+    std::string bytes;
+    for (size_t i = 0; i + 1 < hex.size(); i += 3) bytes += char(std::stoi(hex.substr(i, 2), nullptr, 16));
+    return bytes;
+}
+
 } // namespace lyrabo::test

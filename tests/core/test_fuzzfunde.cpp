@@ -1,0 +1,36 @@
+// Inputs scripts/fuzz.sh found, byte for byte (the script seeds its runs with them), each sent the
+// whole road the fuzz target takes them, and what the program must tell the user on the way.
+#include "../../fuzz/GanzerWeg.h"
+#include "support/MidiBauer.h"
+#include "support/TestOrdner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace lyrabo;
+
+TEST(FuzzFunde, SagenWasSieStoertUndSonstNichts) {
+    const std::pair<std::string, std::string> funde[] = {
+        // The RIFF walk stepped past the end over the missing pad byte of an odd-length chunk.
+        {"52 49 46 46 4D 5C 68 64 52 4D 49 44 41 81 41 00 00 00 00 00 00 00 00 EA 03 00 00 00 00 00 00",
+         "Byte 20: Dem RIFF-Block \"????\" fehlt das Füllbyte am Ende."},
+        // A time signature 2^28 ticks in leaves a single bar, and the note sheet drew empty bars
+        // towards the notes there, up to its limit of 32767: thousands of pages, laid out for
+        // longer than the fuzzer waits.
+        {"4D 54 68 64 00 00 00 06 00 00 00 01 00 60 4D 54 72 6B 00 00 00 72 00 FF 03 0B 46 6F 72 6D 61 74 "
+         "20 6E 75 6C 6C 00 FF 48 04 06 03 24 08 00 FF 51 03 09 27 C0 00 90 43 64 00 47 64 81 10 43 00 FF "
+         "FF FF 7F FF 05 04 4D 54 68 64 74 20 6E 75 6C 6C 00 FF 58 04 06 03 24 08 00 FF 51 03 09 27 C0 00 "
+         "90 43 64 00 47 64 81 10 43 00 00 47 00 00 FF 05 04 48 FF 2F 00 65 69 2D 00 90 45 64 00 00 00 00 "
+         "FF 2F 00 00 00 81 10 43 00 00 47 00 00 FF 05 04 48 65 69 2D 00 90 45 64 30 45 00 00 FF 05 02 6A "
+         "61 00 90 43 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 FF 2F 00",
+         "Das Notenblatt hätte "},
+    };
+    test::TestOrdner o;
+    std::filesystem::copy(std::filesystem::path(LYRABO_SOURCE_DIR) / "ini", o / "ini");
+    for (const auto& [hex, meldung] : funde) {
+        const auto gesagt = fuzz::ganzerWeg(test::ausHex(hex), o.pfad());
+        EXPECT_TRUE(std::any_of(gesagt.begin(), gesagt.end(), [&](const std::string& t) { return t.find(meldung) != std::string::npos; }))
+            << meldung << " / " << ::testing::PrintToString(gesagt);
+    }
+}
