@@ -32,7 +32,7 @@ constexpr int kMaxTakte = 32767;
 // A sheet longer than this is no sheet to play from: a stray event far behind the music, or hours
 // of rests. It becomes one page that says so, decided before any page is drawn, since drawing
 // thousands of them takes long.
-constexpr int kMaxSeiten = 100;
+constexpr int kMaxSeiten = 2000;
 
 const Farbe kSaitenLinie{225, 225, 225};
 const Farbe kOktavLinie{190, 205, 240};
@@ -94,6 +94,7 @@ struct Zeile {
     int takt = 0;           // 1-based bar number when taktStart
     bool neueTaktart = false;
     bool schluss = false;   // the end of the last bar: a double line
+    int leereTakte = 0;     // empty bars that follow this empty one and are not drawn
     std::vector<NotenTeil> noten;
     std::vector<PausenTeil> pausen;
 };
@@ -260,13 +261,6 @@ struct Satz {
     Zeitachse achse(double mmProViertel) const {
         Zeitachse a;
         auto& z = a.zeilen;
-        for (size_t k = 0; k < taktStart.size(); ++k) {
-            Zeile& r = z[taktStart[k]];
-            r.taktStart = true;
-            r.takt = int(k) + 1;
-            r.schluss = k + 1 == taktStart.size();
-            r.neueTaktart = !r.schluss && (k == 0 || taktart(int(k)) != taktart(int(k) + 1));
-        }
         for (size_t i = 0; i < st.noten.size(); ++i) {
             const Note& no = st.noten[i];
             int saite = saiteVon(no.tonHoehe, st.transpo);
@@ -287,6 +281,24 @@ struct Satz {
                 z[u].pausen.push_back({saite, teil});
                 u += teil * tpq;
             }
+        }
+        // Bar lines; of a run of bars with nothing in them only the first is drawn, with a word on
+        // how many follow: hours of silence (or a stray event far behind the music) need no paper.
+        size_t leerSeit = SIZE_MAX;
+        for (size_t k = 0; k < taktStart.size(); ++k) {
+            const bool schluss = k + 1 == taktStart.size();
+            const auto inhalt = z.lower_bound(taktStart[k]);
+            const bool leer = !schluss && (inhalt == z.end() || inhalt->first >= taktStart[k + 1]);
+            if (leer && leerSeit != SIZE_MAX) {
+                ++z[taktStart[leerSeit]].leereTakte;
+                continue;
+            }
+            leerSeit = leer ? k : SIZE_MAX;
+            Zeile& r = z[taktStart[k]];
+            r.taktStart = true;
+            r.takt = int(k) + 1;
+            r.schluss = schluss;
+            r.neueTaktart = !r.schluss && (k == 0 || taktart(int(k)) != taktart(int(k) + 1));
         }
         const double mmProU = mmProViertel / double(4 * tpq);
         double y = 0;
@@ -538,6 +550,9 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
                     const bool imRand = xl - 2.8 >= e.druckRand + 1.0;
                     if (si == 0 && !r.schluss)
                         el.push_back({Text{{imRand ? xl - 2.6 : xl + 0.7, yt - kKopfText}, std::to_string(r.takt), 5.5, Ausrichtung::Links, false, kGrau}});
+                    if (r.leereTakte > 0 && si == 0)
+                        el.push_back({Text{{xl + 12, yt + 4.0}, "Takt " + std::to_string(r.takt) + " bis " + std::to_string(r.takt + r.leereTakte) +
+                                               ": nichts zu spielen", 7, Ausrichtung::Links, false, kGrau}});
                     if (r.neueTaktart) {
                         const auto [z, nn] = satz.taktart(r.takt);
                         el.push_back({Text{{imRand ? xl + 2.2 : xl + 4.4, yt - kKopfText}, std::to_string(z) + "/" + std::to_string(nn), 8, Ausrichtung::Links, true}});

@@ -172,6 +172,10 @@ TEST(BlattSatz, SeitenBrechenAmTaktstrich) {
             }
     }
     EXPECT_TRUE(textDa(b.seiten.back(), "Seite " + std::to_string(b.seiten.size()) + " von " + std::to_string(b.seiten.size())));
+    // A note far behind the music: the empty bars before it are one line, not thousands of pages.
+    const Blatt weit = setzen(lied({{0, 480, 60}, {1 << 26, 480, 62}}, 480, 1), standardFuer(37));
+    EXPECT_EQ(weit.seiten.size(), 1u);
+    EXPECT_TRUE(textDa(weit.seiten[0], ": nichts zu spielen"));
     // "auf eine Seite" squeezes a short song onto one page, never below 4 mm a quarter.
     Einstellungen eng = standardFuer(37);
     eng.aufEineSeite = true;
