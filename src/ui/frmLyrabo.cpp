@@ -1,5 +1,6 @@
 #include "ui/frmLyrabo.h"
 
+#include "blatt/Saiten.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
@@ -82,14 +83,7 @@ QString zeichenVonCode(int code) {
 }
 
 // Name of the string that sounds MIDI note n, German style (g, gis, a, b, h, c', ...).
-QString saitenName(int note) {
-    static const char* const namen[12] = {"c", "cis", "d", "dis", "e", "f", "fis", "g", "gis", "a", "b", "h"};
-    QString name = QString::fromLatin1(namen[note % 12]);
-    int oktave = note / 12 - 4;  // 48 to 59: the small octave
-    if (oktave < 0) name[0] = name[0].toUpper();
-    for (int i = 0; i < oktave; ++i) name += QLatin1Char('\'');
-    return name;
-}
+QString saitenName(int note) { return QString::fromStdString(blatt::saitenName(note)); }
 
 // Length names for captions, longest first, as the note values are listed.
 const char* const kLaengenNamen[8] = {"1/1", "1/2p", "1/2", "1/4p", "1/4", "1/8p", "1/8", "1/16"};
