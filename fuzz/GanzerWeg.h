@@ -1,7 +1,7 @@
 #pragma once
 // The whole road of a file, shared by the fuzz target and the table of its findings: loaded and
 // opened as the program does it (track labels, tempo table, time signatures), then each track
-// (the first few) converted into every output: bar tables, produce, harp events and their text,
+// (the first two) converted into every output: bar tables, produce, harp events and their text,
 // the note sheet, the KlangNoten text and the Works database written from the templates in ini/;
 // finally the tracks merged and their sheet laid out. The input's last three bytes also choose the
 // options, so that every switch is tried.
@@ -22,7 +22,7 @@
 namespace lyrabo::fuzz {
 
 // A run converts at most this many tracks, so that one input stays fast.
-inline constexpr int16_t kHoechstensSpuren = 4;
+inline constexpr int16_t kHoechstensSpuren = 2;
 
 inline void optionenSetzen(CEinstellungen& e, uint8_t schalter, uint8_t transpo) {
     e.Legato(schalter & 1);

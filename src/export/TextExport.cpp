@@ -2,8 +2,8 @@
 
 #include "app/core/CProgramm.h"
 #include "engine/CKLNCreator.h"
+#include "engine/TaktRaster.h"
 #include "model/Zahlen.h"
-#include "settings/Takte.h"
 
 namespace lyrabo {
 
@@ -68,6 +68,8 @@ std::string harfeEventText(CEinstellungen& e, const Sammlung<CTimeSignature>& ta
     const auto& flags = e.ClipExportFlags();
     const auto& taktLaengen = e.MFITaktLaengen();
     const int32_t anzahl = events.Count();
+    // Every event looks up its bar: a walk from bar 1 each time would take events x bars steps.
+    const CTaktRaster raster(e);
 
     std::string s;
     s += "HarfeEvent-Export :";
@@ -78,7 +80,7 @@ std::string harfeEventText(CEinstellungen& e, const Sammlung<CTimeSignature>& ta
         s += StrTrim(i) + ". Taktart: " + StrTrim(ts->Numerator()) + "/" + StrTrim(ts->Denominator()) + " | Beginn: ";
         // Before any event exists the bar tables may not fit the file yet, so ticks are shown.
         if (anzahl > 0)
-            s += StrTrim(lyrabo::getTaktNrFromABSStartZeit(e, ts->ABSTime())) + ". Takt";
+            s += StrTrim(raster.taktNr(ts->ABSTime())) + ". Takt";
         else
             s += StrTrim(ts->ABSTime()) + ". Ticks";
         s += kZeilenEnde;
@@ -94,7 +96,7 @@ std::string harfeEventText(CEinstellungen& e, const Sammlung<CTimeSignature>& ta
     int16_t letzterTakt = 0;
     for (int32_t n = 1; n <= anzahl; ++n) {
         const auto& ev = events.Item(n);
-        int16_t takt = lyrabo::getTaktNrFromABSStartZeit(e, ev->StartZeit());
+        int16_t takt = raster.taktNr(ev->StartZeit());
         if (takt > letzterTakt) {
             s += kZeilenEnde;
             s += "----- Takt " + Str(takt) + " / " + StrTrim(taktLaengen->Item(takt)->Value()) + " Ticks -----";
