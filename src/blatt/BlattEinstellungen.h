@@ -6,6 +6,9 @@ namespace lyrabo::blatt {
 
 enum class Papier { A4, A3 };
 
+// How a note's value is shown: the table-harp shapes (size and fill, no stems) or heads with stems and flags.
+enum class Notenform { Harfe, Hals };
+
 struct Einstellungen {
     Papier papier = Papier::A3;
     bool quer = true;              // landscape
@@ -14,6 +17,10 @@ struct Einstellungen {
     bool aufEineSeite = false;     // squeeze (down to 4 mm per quarter) so the song fits one page
     bool notenTexte = true;        // print the notes' lyrics beside them
     bool melodieLinie = true;      // line from melody note to melody note
+    bool einpassen = true;         // scale the spacing so the whole song fills one sheet (never beyond its natural spacing)
+    Notenform notenform = Notenform::Harfe;
+    bool kurzePausenSchliessen = true; // a rest shorter than an eighth between two notes lengthens the note before it
+    bool wiederholungenZusammenfassen = true; // a run of bars played again is written once with repeat signs
     double druckRand = 0;          // mm at each paper edge that the printer cannot reach; 0 for a file
 
     static constexpr double kMinAbstand = 10.0, kMaxAbstand = 14.0;
