@@ -1,5 +1,8 @@
 #include "cli/Kommandozeile.h"
 
+#include "app/core/BlattQuelle.h"
+#include "app/core/MelodieSpur.h"
+#include "blatt/Transposition.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
@@ -165,7 +168,8 @@ void CKommandozeile::laden(const std::string& datei, bool umsetzen) {
     m_form.NachLaden([this, umsetzen]() {
         int16_t anzahl = m_programm.Midifile1.TrackCount();
         m_spur = m_aufruf->spur ? *m_aufruf->spur : static_cast<int16_t>(anzahl >= 2 ? 2 : 1);
-        if (m_spur > anzahl) {
+        if (m_aufruf->spurMelodie) m_spur = melodie();
+        if (m_spur < 1 || m_spur > anzahl) {
             m_spurFehlt = true;
             return;
         }
@@ -180,6 +184,8 @@ void CKommandozeile::laden(const std::string& datei, bool umsetzen) {
         throw MidiDateiFehler("Die MIDI-Datei \"" + datei + "\" konnte nicht geladen werden.");
     if (m_spurFehlt) {
         int16_t anzahl = m_programm.Midifile1.TrackCount();
+        if (m_aufruf->spurMelodie && anzahl > 0)
+            throw UmsetzungFehler("Keine Spur der Datei \"" + datei + "\" enthält Noten, also auch keine Melodie.");
         if (!m_aufruf->spur) throw MidiDateiFehler("Die MIDI-Datei \"" + datei + "\" enthält keine Spur.");
         throw AufrufFehler("Die Spur " + std::to_string(m_spur) + " gibt es nicht; die Datei hat " +
                            std::to_string(anzahl) + (anzahl == 1 ? " Spur." : " Spuren."));
@@ -214,6 +220,12 @@ void CKommandozeile::info(const std::string& datei) {
         else s += "tiefster Ton " + std::to_string(e.TonMin()) + ", höchster Ton " + std::to_string(e.TonMax()) + "\n";
     }
     m_form.Zeile(static_cast<int16_t>(m_spur - 1));
+    const int16_t melodieNr = melodie();
+    s += "Melodie vermutlich: " +
+         (melodieNr > 0 ? "Spur " + std::to_string(melodieNr) + " (" +
+                              (size_t(melodieNr) <= labels.size() ? labels[size_t(melodieNr - 1)]
+                                                                  : m_programm.spurBezeichnung(melodieNr)) + ")"
+                        : std::string("keine, keine Spur enthält Noten")) + "\n";
 
     // Bars are counted along the track the window would convert, as its bar tables are.
     if (anzahl > 0) m_programm.MIDIFileSetsESVarsFrmIntern(m_spur);
@@ -294,6 +306,7 @@ void CKommandozeile::convert(const std::string& datei) {
         felderSetzen();
         m_form.KlangNotenText(kln.getHarfeEventString());
     }
+    if (m_aufruf->optionen.TranspoPassend && transpoPassend(m_programm.KlangNoten)) m_programm.neuBerechnen();
     std::string harfentext = *m_form.KlangNotenText();
 
     std::string klangnoten;
@@ -368,12 +381,30 @@ void CKommandozeile::mix(const std::string& datei) {
 
     CKLNCreator& kln = m_programm.KLNCreator();
     kln.spurenMischen();
+    if (m_form.Zwischenablage() && m_aufruf->optionen.TranspoPassend && transpoPassend(m_programm.KlangNotenMix))
+        kln.spurenMischen();
     if (!m_form.Zwischenablage()) throw UmsetzungFehler("Die Spuren konnten nicht gemischt werden.");
     if (!kln.IsMonoton()) m_form.meldung(kPolyphonMeldung);
 
     m_phase = Phase::Schreiben;
     if (!z.harfentext.empty()) textSchreiben(z.harfentext, *m_form.Zwischenablage());
     if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
+}
+
+int16_t CKommandozeile::melodie() {
+    const Midifile& mf = m_programm.Midifile1;
+    const CEinstellungen& e = m_programm.Einstellungen();
+    return mf.inhalt() ? melodieSpur(*mf.inhalt(), e.Transpo(), e.WDBSpaltenAnzahl() == 25 ? 25 : 37) : 0;
+}
+
+bool CKommandozeile::transpoPassend(const KlangNotenRef& noten) {
+    const blatt::Stueck st = blattStueck(m_programm, noten, "");
+    const blatt::Tonumfang umfang = blatt::tonumfang(st);
+    const auto transpo = blatt::passendeTransposition(umfang, st.saiten);
+    if (!transpo) throw UmsetzungFehler(blatt::passtNichtText(umfang, st.saiten));
+    if (*transpo == m_programm.Einstellungen().Transpo()) return false;
+    m_programm.Einstellungen().Transpo(static_cast<int16_t>(*transpo));
+    return true;
 }
 
 void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur) {
