@@ -25,7 +25,7 @@ TEST(KurzePausen, SchliessenNurZwischenZweiNoten) {
          {480, 480, 480, 480}, {}},
         {"Achtelpause bleibt", {{0, 240, 60}, {480, 480, 62}}, {{240, 240}}, {240, 480}, {240}},
         {"Zweiunddreißigstel", {{0, 420, 60}, {480, 480, 62}}, {{420, 60}}, {480, 480}, {}},
-        {"keine Note endet am Anfang", {{0, 480, 60}, {600, 480, 62}}, {{480, 120}}, {480, 480}, {480}},
+        {"keine Note endet am Anfang", {{0, 400, 60}, {600, 480, 62}}, {{480, 120}}, {400, 480}, {480}},
     };
     for (const auto& f : faelle) {
         Stueck s;
