@@ -66,6 +66,7 @@ public:
     // The sheet as it stands (empty until a track is converted) and the settings it was laid out with.
     BlattAnsicht& ansicht() { return *m_ansicht; }
     bool hatStueck() const { return m_stueck.has_value(); }
+    const std::optional<blatt::Stueck>& stueck() const { return m_stueck; }
     const blatt::Einstellungen& einstellungen() const;
     // Writes the sheet shown as a PDF; "" or a German message.
     std::string pdfSchreiben(const std::filesystem::path& ziel) const;

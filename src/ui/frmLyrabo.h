@@ -137,10 +137,14 @@ private:
     void initialisieren();
     void anzeigeAktuallisierenIntern();
     void mischKaestchenAnlegen(int anzahl);
+    // Marks the track that most likely carries the melody (after a load; the selection stays).
+    void melodieMarkieren();
 
     // handlers
     void TrackList_Click();
     void hsTranspo_Change(int wert);
+    void cmdPassendTransponieren_Click();
+    void melodieSpurWaehlen();
     void hsQuantisierung_Change(int wert);
     void opKanal_Click(int index);
     void chOption_Click(QCheckBox* box);
@@ -166,6 +170,7 @@ private:
     bool m_listeWirdGefuellt = false;
     bool m_beendet = false;
     int16_t m_angezeigteSpur = 0;
+    int16_t m_melodieSpur = 0;  // the marked track, 0 for none
     int m_piepAnzahl = 0;
     std::string m_klangNotenText;
     NachrichtAntwort m_nachrichtAntwort;
@@ -175,6 +180,7 @@ private:
     QListWidget* TrackList = nullptr;
     QSlider* hsTranspo = nullptr;
     QLabel* labTranspo = nullptr;
+    QPushButton* cmdPassendTransponieren = nullptr;
     QSlider* hsQuantisierung = nullptr;
     QLineEdit* txtQuantisierung = nullptr;
     std::array<QRadioButton*, 3> opKanal{};
@@ -214,6 +220,7 @@ private:
     QAction* mSpeichernAlsWDB = nullptr;
     QAction* mCreateAbschnittsINIs = nullptr;
     QAction* m37SaitenHarfe = nullptr;
+    QAction* mMelodieSpur = nullptr;
     QAction* mShowMIDIEvents = nullptr;
     QAction* mInhalt = nullptr;
     QAction* mInfo = nullptr;

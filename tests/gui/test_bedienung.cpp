@@ -3,6 +3,8 @@
 #include "FensterUmgebung.h"
 
 #include "midi/EreignisListe.h"
+#include "ui/BlattAnsicht.h"
+#include "ui/BlattBereich.h"
 
 #include <QComboBox>
 #include <QFontDatabase>
@@ -202,6 +204,51 @@ TEST(Beenden, DieTitelleisteFragtNichtsUndSpeichertNichts) {
     EXPECT_FALSE(u.fenster().isVisible());
     EXPECT_TRUE(u.nachrichten.empty());
     EXPECT_FALSE(std::filesystem::exists(u.userDaten()));
+}
+
+} // namespace
+} // namespace lyrabo::test
+
+namespace lyrabo::test {
+namespace {
+
+// The melody mark sits on the melody, not on the preselected row, and leaves the labels alone; the
+// menu entry selects it. "Passend transponieren" sets what the sheet's header suggests, and says
+// why when the track spans more than the strings.
+TEST(Melodie, MarkeMenueUndPassendTransponieren) {
+    MidiBauer lied(480);
+    lied.spur().name("Tempo").tempo(0, 500000);
+    auto& bass = lied.spur().name("Bass");
+    for (int ton : {43, 50, 55, 47}) bass.note(0, ton, 480);
+    auto& melodie = lied.spur().name("Melodie");
+    for (int ton : {67, 69, 71, 72}) melodie.note(0, ton, 480);
+    lied.spur().name("Weit").note(0, 30, 960).note(0, 90, 960);
+    FensterUmgebung u;
+    u.startenMit(lied);
+    auto* liste = u.el<QListWidget>("TrackList");
+    EXPECT_EQ(liste->currentRow(), 1);
+    for (int zeile = 0; zeile < liste->count(); ++zeile) {
+        EXPECT_EQ(liste->item(zeile)->toolTip().isEmpty(), zeile != 2) << zeile;  // only the mark explains itself
+        EXPECT_FALSE(liste->item(zeile)->text().contains(QStringLiteral("Melodie?")));
+    }
+    EXPECT_EQ(u.el<QCheckBox>("chSpurMischen", 3)->text(), QStringLiteral("3: Melodie"));
+
+    auto& blatt = u.fenster().blattBereich().ansicht();
+    ASSERT_TRUE(blatt.blatt().transpoVorschlag);
+    const int vorschlag = blatt.blatt().vorschlag;
+    EXPECT_EQ(vorschlag, 12);
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), vorschlag);
+    EXPECT_EQ(u.einstellungen().Transpo(), vorschlag);
+    EXPECT_EQ(blatt.blatt().ausserhalb, 0);
+
+    u.menue("mMelodieSpur")->trigger();
+    EXPECT_EQ(liste->currentRow(), 2);
+    liste->setCurrentRow(3);
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    ASSERT_FALSE(u.nachrichten.empty());
+    EXPECT_TRUE(u.nachrichten.back().text.contains(QStringLiteral("mehr Töne, als die Harfe Saiten hat")));
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), vorschlag);
 }
 
 } // namespace
