@@ -7,11 +7,14 @@
 #include "ui/frmLyrabo.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
@@ -24,14 +27,36 @@ namespace {
 constexpr int kMelodieRolle = Qt::UserRole + 1;
 const char* const kMelodieMarke = "  Melodie?";
 
+// Draws the mark after the label, in italics and the link colour, so that it does not read as part
+// of the track's name.
 class MelodieMarke : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        if (index.data(kMelodieRolle).toBool()) option->text += QString::fromUtf8(kMelodieMarke);
+    void paint(QPainter* maler, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(maler, option, index);
+        if (!index.data(kMelodieRolle).toBool()) return;
+        QStyleOptionViewItem o(option);
+        initStyleOption(&o, index);
+        const QStyle* stil = o.widget ? o.widget->style() : QApplication::style();
+        const QRect textFeld = stil->subElementRect(QStyle::SE_ItemViewItemText, &o, o.widget);
+        const int rand = stil->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, o.widget) + 1;
+        QRect feld = textFeld.adjusted(rand + o.fontMetrics.horizontalAdvance(o.text), 0, 0, 0);
+        QFont schrift = o.font;
+        schrift.setItalic(true);
+        maler->save();
+        maler->setFont(schrift);
+        const bool gewaehlt = o.state & QStyle::State_Selected;
+        maler->setPen(o.palette.color(gewaehlt ? QPalette::HighlightedText : QPalette::Link));
+        maler->drawText(feld, Qt::AlignLeft | Qt::AlignVCenter, QString::fromUtf8(kMelodieMarke));
+        maler->restore();
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QSize groesse = QStyledItemDelegate::sizeHint(option, index);
+        if (index.data(kMelodieRolle).toBool())
+            groesse.rwidth() += option.fontMetrics.horizontalAdvance(QString::fromUtf8(kMelodieMarke)) + 4;
+        return groesse;
     }
 };
 
