@@ -66,7 +66,8 @@ bool erlaubt(Befehl b, const std::string& option) {
         "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
         "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
     static const std::set<std::string> kBlatt = {"--pdf", "--svg", "--papier", "--hoch", "--quer", "--saitenabstand",
-                                                 "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen"};
+                                                 "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen",
+                                                 "--begleitung"};
     switch (b) {
     case Befehl::Info:
         return option == "--spur";
@@ -154,6 +155,12 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         if (arg == "--spur") {
             if (w == "melodie") a.spurMelodie = true;
             else a.spur = ganzeZahl(w, arg, 1, 32767);
+        } else if (arg == "--begleitung") {
+            for (const auto& t : teile(w)) {
+                int16_t s = ganzeZahl(t, arg, 1, 32767);
+                if (std::find(a.blatt.Begleitung.begin(), a.blatt.Begleitung.end(), s) == a.blatt.Begleitung.end())
+                    a.blatt.Begleitung.push_back(s);
+            }
         } else if (arg == "--spuren") {
             for (const auto& t : teile(w)) {
                 int16_t s = ganzeZahl(t, arg, 1, 32767);
@@ -249,7 +256,7 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         throw AufrufFehler("Mehrere MIDI-Dateien brauchen --ausgabe ORDNER.");
     }
     for (const char* option : {"--papier", "--hoch", "--quer", "--saitenabstand", "--einpassen", "--notenform",
-                               "--kurze-pausen", "--wiederholungen"}) {
+                               "--kurze-pausen", "--wiederholungen", "--begleitung"}) {
         if (gesehen.count(option) && !a.willBlatt())
             throw AufrufFehler(std::string("Die Option ") + option +
                                " gilt nur zusammen mit --pdf, --svg oder --formate pdf oder svg.");
@@ -308,6 +315,8 @@ std::string hilfeText() {
         "quer):\n"
         "  --svg DATEI.svg         das Notenblatt als SVG-Grafik, eine Datei je Seite: DATEI.svg bei\n"
         "                          einer Seite, sonst DATEI-1.svg, DATEI-2.svg, …\n"
+        "  --begleitung 3,4        diese Spuren als Begleitung auf dem Blatt: kleinere, hellere Köpfe\n"
+        "                          ohne Melodielinie, umgerechnet wie die Spur selbst\n"
         "  --papier A4|A3          Papierformat\n"
         "  --hoch, --quer          Hoch- oder Querformat\n"
         "  --saitenabstand MM      Abstand der Saiten in Millimetern, 10 bis 14 (Vorgabe 11,5)\n"

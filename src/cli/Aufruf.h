@@ -53,6 +53,7 @@ struct CBlattOptionen {
     std::optional<blatt::Notenform> Notenform;
     std::optional<bool> KurzePausen;
     std::optional<bool> Wiederholungen;
+    std::vector<int16_t> Begleitung;       // tracks drawn as accompaniment beside the one converted
 };
 
 struct CAufruf {
