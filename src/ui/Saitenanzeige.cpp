@@ -106,10 +106,33 @@ void frmLyrabo::spaltenLabelsAnlegen() {
 }
 
 void frmLyrabo::spaltenFaerben(const std::array<Farbe, 37>& felder, Farbe links, Farbe rechts) {
-    for (size_t i = 0; i < felder.size(); ++i)
-        if (labSpalte[i]) faerben(labSpalte[i], QColor(felder[i].r, felder[i].g, felder[i].b));
+    m_spaltenFarben = felder;
+    m_gefaerbt = true;
+    spaltenMalen();
     faerben(labSpalteBorder[0], QColor(links.r, links.g, links.b));
     faerben(labSpalteBorder[1], QColor(rechts.r, rechts.g, rechts.b));
+}
+
+void frmLyrabo::begleitSaitenZeigen(const std::vector<int>& saiten) {
+    m_begleitSaiten.fill(false);
+    for (int s : saiten)
+        if (s >= 1 && s <= int(m_begleitSaiten.size())) m_begleitSaiten[size_t(s - 1)] = true;
+    spaltenMalen();
+}
+
+// The melody's colours as the engine gave them; a string only the accompaniment uses is shown in a
+// lighter shade (teal on the octave strings, which keep standing out).
+void frmLyrabo::spaltenMalen() {
+    static const Farbe kFrei{255, 255, 255}, kOktavFrei{100, 100, 255};
+    if (!m_gefaerbt) return;
+    for (size_t i = 0; i < m_spaltenFarben.size(); ++i) {
+        if (!labSpalte[i]) continue;
+        const Farbe f = m_spaltenFarben[i];
+        QColor farbe(f.r, f.g, f.b);
+        if (m_begleitSaiten[i] && f == kFrei) farbe = kBegleitFarbe;
+        if (m_begleitSaiten[i] && f == kOktavFrei) farbe = kBegleitOktavFarbe;
+        faerben(labSpalte[i], farbe);
+    }
 }
 
 void frmLyrabo::hsTranspo_Change(int wert) {

@@ -2,6 +2,7 @@
 // likely carries the melody. The mark is drawn, not written into the row: the rows keep the track
 // labels that the mixing boxes and everything else read.
 #include "app/core/MelodieSpur.h"
+#include "ui/BlattBereich.h"
 #include "ui/Hilfe.h"
 #include "ui/Steuerelemente.h"
 #include "ui/frmLyrabo.h"
@@ -121,6 +122,9 @@ void frmLyrabo::melodieMarkieren() {
         eintrag->setToolTip(melodie ? QString::fromUtf8(kMelodieRegel) : QString());
     }
     mMelodieSpur->setEnabled(m_melodieSpur > 0);
+    std::vector<std::string> labels;
+    for (int zeile = 0; zeile < TrackList->count(); ++zeile) labels.push_back(nachUtf8(TrackList->item(zeile)->text()));
+    m_blatt->begleitSpurenAnbieten(labels);
 }
 
 void frmLyrabo::melodieSpurWaehlen() {

@@ -20,6 +20,8 @@ inline constexpr int kSpalteHoeheDiskant = 40;
 inline constexpr int kRandBreite = 12;
 inline constexpr int kSpaltenOben = 4;
 inline const QColor kOktavFarbe(150, 150, 255);
+inline const QColor kBegleitFarbe(180, 235, 180);       // a string only the accompaniment uses
+inline const QColor kBegleitOktavFarbe(165, 215, 235);  // the same on an octave string
 
 // Controls of an array share their name and carry their index, as the program addresses them.
 template <typename W>

@@ -105,6 +105,8 @@ public:
     void anzeigeAktuallisieren() override;
     void DisplayTrack(int16_t spur) override;
     void spaltenFaerben(const std::array<Farbe, 37>& felder, Farbe links, Farbe rechts) override;
+    // Strings (1-based) the sheet's accompaniment uses: shown lighter where the melody does not.
+    void begleitSaitenZeigen(const std::vector<int>& saiten);
     void setKlangNotenText(const std::string& text) override;
     void setLabelTempo(const std::string& text) override;
     void setLabelTicks(const std::string& text) override;
@@ -137,6 +139,7 @@ private:
     void initialisieren();
     void anzeigeAktuallisierenIntern();
     void mischKaestchenAnlegen(int anzahl);
+    void spaltenMalen();
     // Marks the track that most likely carries the melody (after a load; the selection stays).
     void melodieMarkieren();
 
@@ -171,6 +174,9 @@ private:
     bool m_beendet = false;
     int16_t m_angezeigteSpur = 0;
     int16_t m_melodieSpur = 0;  // the marked track, 0 for none
+    std::array<Farbe, 37> m_spaltenFarben{};  // as the engine coloured the fields
+    std::array<bool, 37> m_begleitSaiten{};
+    bool m_gefaerbt = false;                  // the engine has coloured the fields at least once
     int m_piepAnzahl = 0;
     std::string m_klangNotenText;
     NachrichtAntwort m_nachrichtAntwort;

@@ -8,6 +8,7 @@
 
 #include <QComboBox>
 #include <QFontDatabase>
+#include <QProcess>
 
 namespace lyrabo::test {
 namespace {
@@ -249,6 +250,45 @@ TEST(Melodie, MarkeMenueUndPassendTransponieren) {
     ASSERT_FALSE(u.nachrichten.empty());
     EXPECT_TRUE(u.nachrichten.back().text.contains(QStringLiteral("mehr Töne, als die Harfe Saiten hat")));
     EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), vorschlag);
+}
+
+} // namespace
+} // namespace lyrabo::test
+
+namespace lyrabo::test {
+namespace {
+
+QColor feldFarbe(FensterUmgebung& u, int i) { return u.el<QLabel>("labSpalte", i)->palette().color(QPalette::Window); }
+
+// Ticking a track as accompaniment puts it on the sheet and lightens the strings only it uses;
+// "Passend transponieren" fits both voices, and the menu's PDF is lyrabo-cli's with --begleitung.
+TEST(Begleitung, AngekreuztAufBlattSaitenUndPdf) {
+    FensterUmgebung u;
+    const auto lied = u.startenMit(liedMitDreiSpuren());
+    auto* liste = u.el<QListWidget>("listBegleitung");
+    ASSERT_EQ(liste->count(), 2);  // the tempo track has no notes
+    EXPECT_EQ(liste->item(1)->text(), QStringLiteral("3: Bass"));
+    const QColor vorher = feldFarbe(u, 0);
+    liste->item(1)->setCheckState(Qt::Checked);
+    const auto& stueck = u.fenster().blattBereich().stueck();
+    ASSERT_TRUE(stueck);
+    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 6);
+    EXPECT_EQ(feldFarbe(u, 0), QColor(165, 215, 235));  // g, only the bass's 55 of its notes is on the strings
+
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);  // 43 to 74 onto the strings
+#ifdef LYRABO_CLI
+    const auto fenster = u.ordner() / "fenster.pdf", cli = u.ordner() / "cli.pdf";
+    u.dialogAntworten.push_back(QString::fromStdString(fenster.string()));
+    u.menue("mBlattAlsPdf")->trigger();
+    QProcess p;
+    p.start(QStringLiteral(LYRABO_CLI), {"convert", QString::fromStdString(lied.string()), "--spur", "2", "--begleitung", "3",
+                                         "--transpo", "passend", "--pdf", QString::fromStdString(cli.string())});
+    ASSERT_TRUE(p.waitForFinished(60000));
+    EXPECT_TRUE(dateiLesen(fenster) == dateiLesen(cli));
+#endif
+    liste->item(1)->setCheckState(Qt::Unchecked);
+    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 0);
 }
 
 } // namespace
