@@ -78,6 +78,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     Blatt blatt;
     ausserhalbZaehlen(blatt, st, n);
     Kopfzeile kopf;
+    kopf.seite = 0;
     kopf.titel = st.titel;
     kopf.tempo = st.tempo > 0 ? int(std::lround(60000000.0 / st.tempo)) : 120;
     kopf.saiten = n;
