@@ -69,7 +69,7 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
     for (size_t i = von; i < bis; ++i) {
         const Zeile& r = z[i];
         const double y = r.y;
-        seite.zeit.push_back({int32_t(std::min<int64_t>(r.u / 4, INT32_MAX)), y});
+        seite.zeit.push_back({int32_t(std::min<int64_t>(r.u / 4, INT32_MAX)), y, r.taktRaum});
         if (r.taktStart) {
             // The bar line in the room above the row; its number (and a new time signature) in the
             // gaps between the first strings, where no head can be.
