@@ -13,18 +13,22 @@ struct Raum {
     std::vector<double> grenze; // per gap: the least room any gap of this time or longer may get
 
     Raum(const Zeilen& zeilen, const Abstaende& ab) : z(zeilen), a(ab), grenze(ab.mindest) {
-        // Within a sheet a longer time never gets less room than a shorter one: each time gets the
-        // largest minimum of all times up to it.
+        // Within a sheet a longer time never gets less room than a shorter one: each gap gets at
+        // least the largest minimum of all shorter times (equal times may differ: a repeated note
+        // needs more room than a step to another string).
         std::vector<size_t> folge(grenze.size());
         std::iota(folge.begin(), folge.end(), size_t(0));
         std::stable_sort(folge.begin(), folge.end(), [&](size_t x, size_t y) { return a.dauer[x] < a.dauer[y]; });
-        double hoechste = 0;
+        double kuerzere = 0;
         for (size_t k = 0; k < folge.size();) {
             size_t ende = k;
-            double gruppe = hoechste;
-            while (ende < folge.size() && a.dauer[folge[ende]] == a.dauer[folge[k]]) gruppe = std::max(gruppe, a.mindest[folge[ende++]]);
-            for (; k < ende; ++k) grenze[folge[k]] = gruppe;
-            hoechste = gruppe;
+            while (ende < folge.size() && a.dauer[folge[ende]] == a.dauer[folge[k]]) ++ende;
+            double gruppe = kuerzere;
+            for (; k < ende; ++k) {
+                grenze[folge[k]] = std::max(a.mindest[folge[k]], kuerzere);
+                gruppe = std::max(gruppe, grenze[folge[k]]);
+            }
+            kuerzere = gruppe;
         }
     }
     double luecke(size_t i, double f) const { return std::max(f * a.natuerlich[i], grenze[i]); }

@@ -98,11 +98,12 @@ def noten_im_text(txt, takte=None):
 
 
 def takte_auf_seite_1(pdf):
-    """The bar numbers printed left of the first string on page 1."""
+    """The bar numbers printed between the first two strings on page 1, above the foot."""
     woerter = blattpruefung.woerter(pdf)[0]
     zeile, unten = blattpruefung.namenszeile(woerter, blattpruefung.saiten_namen(37))
-    links = zeile[0][1] if zeile else 0
-    return {int(w[0]) for w in woerter if w[0].isdigit() and w[3] < links and w[2] > unten}
+    links, rechts = (zeile[0][1], zeile[1][1]) if len(zeile) > 1 else (0, 0)
+    fuss = min((w[2] for w in woerter if w[0] == "100" and w[2] > unten), default=1e9)
+    return {int(w[0]) for w in woerter if w[0].isdigit() and links < w[1] < rechts and unten < w[2] < fuss}
 
 
 def pruefe(pdf, saiten, papier, quer, abstand, koepfe_mindestens=None, seiten=None):
