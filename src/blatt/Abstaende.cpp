@@ -21,6 +21,10 @@ struct Liedtext {
 
 } // namespace
 
+double liedTextVersatz(int sechzehntel, Notenform form) {
+    return notenMass(sechzehntel, form).rx + (wertVon(sechzehntel).punktiert ? 1.9 : 1.1);
+}
+
 double natuerlicherAbstand(int64_t dauerU, int64_t tpq) {
     const double sechzehntel = std::clamp(double(dauerU) / double(std::max<int64_t>(1, tpq)), 0.5, 64.0);
     return kSechzehntelRaum * (1 + 0.5 * std::log2(sechzehntel));
@@ -83,9 +87,9 @@ Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& st, const Einst
             for (const auto& t : z[i].noten) {
                 const Note& no = st.noten[size_t(t.note)];
                 if (!t.anfang || no.text.empty()) continue;
-                const double rx = notenMass(t.sechzehntel, e.notenform).rx;
-                const double von = (t.saite - 1) + (rx + kLiedTextAbstand) / abstand;
-                neu.push_back({i, von, von + textBreite(no.text, kLiedTextGroesse) / abstand});
+                const double versatz = liedTextVersatz(t.sechzehntel, e.notenform) / abstand, breite = textBreite(no.text, kLiedTextGroesse) / abstand;
+                if (t.textLinks) neu.push_back({i, t.saite - 1 - versatz - breite, t.saite - 1 - versatz});
+                else neu.push_back({i, t.saite - 1 + versatz, t.saite - 1 + versatz + breite});
             }
         for (const auto& l : texte) {
             for (const auto& t : z[i].noten) {
@@ -98,7 +102,7 @@ Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& st, const Einst
         }
         // This row's lyrics: clear of the heads above on the strings they cross.
         for (const auto& l : neu)
-            for (int s = std::max(1, int(std::floor(l.von)) + 1); s <= zeilen.saiten && s - 1 - 1.8 / abstand < l.bis; ++s)
+            for (int s = std::max(1, int(std::floor(l.von - 1.8 / abstand)) + 1); s <= zeilen.saiten && s - 1 - 1.8 / abstand < l.bis; ++s)
                 if (letzte[size_t(s)] != SIZE_MAX && letzte[size_t(s)] != i) brauchen(letzte[size_t(s)], i, letzteUnten[size_t(s)] + kTextOben + kTextLuft);
         for (const auto& t : z[i].noten) {
             letzte[size_t(t.saite)] = i;

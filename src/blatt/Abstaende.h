@@ -27,7 +27,8 @@ struct Abstaende {
 
 Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& stueck, const Einstellungen& e);
 
-// Where a lyric stands beside its head: x offset from the head's centre, baseline below it.
-inline constexpr double kLiedTextAbstand = 1.1, kLiedTextGrundlinie = 0.9, kLiedTextGroesse = 6;
+// Where a lyric stands beside its head: right of the head (and of its dot), baseline a little below.
+inline constexpr double kLiedTextGrundlinie = 0.9, kLiedTextGroesse = 6;
+double liedTextVersatz(int sechzehntel, Notenform form);
 
 } // namespace lyrabo::blatt

@@ -111,7 +111,8 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
             if (t.richtung != 0) pfeil(el, m, mass.rx, t.richtung, t.note);
             const Note& no = st.noten[size_t(t.note)];
             if (e.notenTexte && !no.text.empty() && t.anfang)
-                el.push_back({Text{{m.x + mass.rx + kLiedTextAbstand, y + kLiedTextGrundlinie}, no.text, kLiedTextGroesse, Ausrichtung::Links, false, kLiedText}});
+                el.push_back({Text{{m.x + (t.textLinks ? -1 : 1) * liedTextVersatz(t.sechzehntel, form), y + kLiedTextGrundlinie}, no.text,
+                                   kLiedTextGroesse, t.textLinks ? Ausrichtung::Rechts : Ausrichtung::Links, false, kLiedText}});
             if (t.weiter) {
                 const size_t ziel = zeilen.zeileAb(t.bisU);
                 const double y2 = ziel >= bis || ziel >= z.size() ? lage.musikUnten + 1 : z[ziel].y;

@@ -120,9 +120,16 @@ Zeilen zeilenBilden(const Stueck& st) {
         r.neueTaktart = !r.schluss && (k == 0 || a.taktart(int(k)) != a.taktart(int(k) + 1));
     }
     a.zeilen.reserve(z.size());
+    NotenTeil* voriger = nullptr; // the last melody note
     for (auto& [v, r] : z) {
         r.u = v;
         a.zeilen.push_back(std::move(r));
+        for (auto& t : a.zeilen.back().noten) {
+            if (!t.anfang || !st.noten[size_t(t.note)].melodie) continue;
+            if (voriger) voriger->textLinks = t.saite > voriger->saite;
+            voriger = &t;
+            break;
+        }
     }
     return a;
 }

@@ -27,6 +27,7 @@ struct NotenTeil {
     int64_t bisU;      // where the next tied part starts, for the tie
     bool weiter;       // another part follows, tied
     bool anfang;       // the note itself starts here (not a tied continuation)
+    bool textLinks = false; // its lyric stands left of the head: the melody line leaves to the right
 };
 struct PausenTeil {
     int saite;
