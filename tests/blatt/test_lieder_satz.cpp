@@ -87,7 +87,7 @@ TEST(BlattLieder, JedesLiedOhneZusammenstoesse) {
                 s.saiten = saiten;
                 // Words under every melody note in one of the shapes: lyrics must keep clear too.
                 if (form == Notenform::Harfe)
-                    for (auto& n : s.noten) n.text = n.melodie ? "Nacht," : "";
+                    for (auto& n : s.noten) n.text = n.melodie ? "Nachtigallen," : "";
                 Einstellungen e = standardFuer(saiten);
                 e.notenform = form;
                 const Blatt b = setzen(s, e);
