@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes docs/notenblatt.png and docs/notenblatt_hals.png: the whole note sheet of "Stille Nacht" for
+# Makes docs/notenblatt.png and docs/notenblatt_hals.png: the whole note sheet of "Amazing Grace" for
 # 25 strings on one A4 page, in the table-harp shapes and in the shapes with stems, as lyrabo-cli
 # writes it, rasterised with poppler.
 set -euo pipefail
@@ -9,7 +9,7 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build --target lyrabo-cli
 arbeit="$(mktemp -d)"
 trap 'rm -rf "$arbeit"' EXIT
-abc2midi tests/blatt/lieder/stille_nacht.abc -o "$arbeit/roh.mid" >/dev/null
+abc2midi tests/blatt/lieder/amazing_grace.abc -o "$arbeit/roh.mid" >/dev/null
 # abc2midi writes the words as text events; as lyric events the conversion carries them to the notes.
 midicsv "$arbeit/roh.mid" | sed -E 's/^(2, [0-9]+), Text_t, "[\\/]?(.*)"$/\1, Lyric_t, "\2"/' | csvmidi - "$arbeit/lied.mid"
 for form in harfe hals; do

@@ -120,17 +120,24 @@ Zeilen zeilenBilden(const Stueck& st) {
         r.neueTaktart = !r.schluss && (k == 0 || a.taktart(int(k)) != a.taktart(int(k) + 1));
     }
     a.zeilen.reserve(z.size());
+    // A lyric stands on the side of its head that the melody line leaves alone: left when the line
+    // goes on to the right, or comes in from the right and goes straight down.
     NotenTeil* voriger = nullptr; // the last melody note
+    bool vonRechts = false;       // ... and whether the line came to it from the right
     for (auto& [v, r] : z) {
         r.u = v;
         a.zeilen.push_back(std::move(r));
         for (auto& t : a.zeilen.back().noten) {
             if (!t.anfang || !st.noten[size_t(t.note)].melodie) continue;
-            if (voriger) voriger->textLinks = t.saite > voriger->saite;
+            if (voriger) {
+                voriger->textLinks = t.saite > voriger->saite || (t.saite == voriger->saite && vonRechts);
+                vonRechts = voriger->saite > t.saite;
+            }
             voriger = &t;
             break;
         }
     }
+    if (voriger) voriger->textLinks = vonRechts;
     return a;
 }
 
