@@ -25,9 +25,9 @@ double liedTextVersatz(int sechzehntel, Notenform form) {
     return notenMass(sechzehntel, form).rx + (wertVon(sechzehntel).punktiert ? 1.9 : 1.1);
 }
 
-double natuerlicherAbstand(int64_t dauerU, int64_t tpq) {
+double natuerlicherAbstand(int64_t dauerU, int64_t tpq, double mmProViertel) {
     const double sechzehntel = std::clamp(double(dauerU) / double(std::max<int64_t>(1, tpq)), 0.5, 64.0);
-    return kSechzehntelRaum * (1 + 0.5 * std::log2(sechzehntel));
+    return kSechzehntelRaum * mmProViertel / 6.0 * (1 + 0.5 * std::log2(sechzehntel));
 }
 
 Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& st, const Einstellungen& e) {
@@ -54,7 +54,7 @@ Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& st, const Einst
     a.mindest.resize(n - 1);
     for (size_t i = 0; i + 1 < n; ++i) {
         a.dauer[i] = z[i + 1].u - z[i].u;
-        a.natuerlich[i] = natuerlicherAbstand(a.dauer[i], zeilen.tpq);
+        a.natuerlich[i] = natuerlicherAbstand(a.dauer[i], zeilen.tpq, e.mmProViertel);
         a.mindest[i] = kFolge * (a.unten[i] + a.oben[i + 1]) + kFolgeLuft;
     }
 

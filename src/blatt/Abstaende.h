@@ -15,7 +15,8 @@ inline constexpr double kSechzehntelRaum = 3.4; // natural room after a sixteent
 inline constexpr double kTaktZugabe = 1.0;      // what a bar line adds at least
 inline constexpr double kKopfLuft = 1.0;        // paper between two heads on one string
 
-double natuerlicherAbstand(int64_t dauerU, int64_t tpq);
+// `mmProViertel` scales it: at the default of 6 mm a quarter note gets 6.8 mm, a sixteenth 3.4 mm.
+double natuerlicherAbstand(int64_t dauerU, int64_t tpq, double mmProViertel = 6.0);
 
 struct Abstaende {
     // Per row: how far its signs reach above and below its y.
