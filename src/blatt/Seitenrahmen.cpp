@@ -113,7 +113,10 @@ void seitenRahmen(Seite& seite, const Seitenmass& m, const Einstellungen& e, int
     const bool platz = xl + 102 + textBreite(lang, 6) + 6 + legendeB <= xr;
     const std::string masstext = platz ? lang : "100 mm";
     el.push_back({Text{{xl + 102, yf}, masstext, 6}});
-    legende(el, std::max(xl + 102 + textBreite(masstext, 6) + 6, xr - legendeB), yf, e.notenform);
+    // On a strip the next one is laid over the right edge: a legend that would reach under it goes
+    // on the last strip only.
+    const double xLegende = std::max(xl + 102 + textBreite(masstext, 6) + 6, xr - legendeB);
+    if (b == n || xLegende + legendeB <= xr + 2) legende(el, xLegende, yf, e.notenform);
 }
 
 } // namespace lyrabo::blatt
