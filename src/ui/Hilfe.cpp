@@ -63,6 +63,12 @@ verlängert. Das ändert nur das Blatt, nicht den Harfen-Text und nicht die Work
 <li><b>Wiederholungen zusammenfassen</b> (ein): Takte, die noch einmal gespielt werden, stehen nur einmal
 auf dem Blatt.</li>
 <li><b>Liedtext an den Noten</b> und <b>Melodielinie</b> schalten diese Teile des Blattes ein und aus.</li>
+<li><b>Begleitung</b>: weitere Spuren der Datei (etwa der Bass oder die Akkorde) ankreuzen, die Sie mit der
+anderen Hand spielen. Jede wird umgerechnet wie die gewählte Spur und steht mit kleineren, helleren Köpfen ohne
+Melodielinie auf dem Blatt; eine dünne gestrichelte Linie verbindet sie mit der Melodienote, die zugleich
+beginnt. Ihre Pausen werden nicht gezeichnet; fällt eine Begleitnote im selben Moment auf die Saite einer
+Melodienote, steht nur die Melodienote da. Die Saitenreihe oben zeigt die Saiten, die nur die Begleitung
+braucht, in einem helleren Ton. Die Auswahl gilt für die geöffnete Datei.</li>
 </ul>
 <p><i>Datei → Notenblatt als PDF speichern…</i> schreibt das Blatt als PDF-Datei,
 <i>Datei → Notenblatt als SVG speichern…</i> als Vektorgrafik für ein Zeichenprogramm oder eine Webseite:

@@ -488,6 +488,8 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         {{"convert", noten, "--spur", "1", "--harfentext", h}, 4, "MIDI-File ist nicht in Ordnung."},
         {{"convert", ohneNoten, "--spur", "melodie", "--harfentext", h}, 4, "enthält Noten, also auch keine Melodie"},
         {{"convert", zuWeit, "--transpo", "passend", "--harfentext", h}, 4, "von E bis fis''' sind es 51 Töne"},
+        {{"convert", lied_, "--begleitung", "3,9", "--pdf", pdf}, 2, "Die Spur 9 gibt es nicht"},
+        {{"convert", lied_, "--begleitung", "3", "--harfentext", h}, 2, "nur zusammen mit --pdf"},
         {{"convert", lied_, "--harfentext", (gesperrt / "h.txt").string()}, 5, ""},
         {{"convert", lied_, "--wdb", (gesperrt / "x.wdb").string()}, 5, ""},
         {{"convert", lied_, "--ausgabe", (gesperrt / "unter").string()}, 5, ""},
