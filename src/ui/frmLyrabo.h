@@ -140,7 +140,8 @@ private:
     void anzeigeAktuallisierenIntern();
     void mischKaestchenAnlegen(int anzahl);
     void spaltenMalen();
-    // Marks the track that most likely carries the melody (after a load; the selection stays).
+    // After a load: marks the track that most likely carries the melody (the selection stays) and
+    // offers the tracks with notes as accompaniment on the sheet page.
     void melodieMarkieren();
 
     // handlers

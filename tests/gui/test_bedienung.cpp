@@ -274,6 +274,11 @@ TEST(Begleitung, AngekreuztAufBlattSaitenUndPdf) {
     ASSERT_TRUE(stueck);
     EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 6);
     EXPECT_EQ(feldFarbe(u, 0), QColor(165, 215, 235));  // g, only the bass's 55 of its notes is on the strings
+    // Playback lights the bass's first note with the melody's.
+    u.fenster().blattBereich().wiedergabePosition(0);
+    const auto& an = u.fenster().blattBereich().ansicht().hervorgehoben();
+    for (size_t i = 0; i < stueck->noten.size(); ++i)
+        EXPECT_EQ(an.at(i), stueck->noten[i].start == 0) << i;
 
     u.el<QPushButton>("cmdPassendTransponieren")->click();
     EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);  // 43 to 74 onto the strings
