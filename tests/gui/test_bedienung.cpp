@@ -214,9 +214,10 @@ namespace lyrabo::test {
 namespace {
 
 // The melody mark sits on the melody, not on the preselected row, and leaves the labels alone; the
-// menu entry selects it. "Passend transponieren" sets what the sheet's header suggests, and says
-// why when the track spans more than the strings.
-TEST(Melodie, MarkeMenueUndPassendTransponieren) {
+// menu entry selects it. Ticking the bass as accompaniment puts it on the sheet (lit in playback)
+// and lightens the strings only it uses; "Passend transponieren" fits both voices, the menu's PDF
+// is lyrabo-cli's with --begleitung, and a track wider than the harp gets the reason instead.
+TEST(Melodie, MarkeBegleitungUndPassendTransponieren) {
     MidiBauer lied(480);
     lied.spur().name("Tempo").tempo(0, 500000);
     auto& bass = lied.spur().name("Bass");
@@ -225,75 +226,48 @@ TEST(Melodie, MarkeMenueUndPassendTransponieren) {
     for (int ton : {67, 69, 71, 72}) melodie.note(0, ton, 480);
     lied.spur().name("Weit").note(0, 30, 960).note(0, 90, 960);
     FensterUmgebung u;
-    u.startenMit(lied);
-    auto* liste = u.el<QListWidget>("TrackList");
-    EXPECT_EQ(liste->currentRow(), 1);
-    for (int zeile = 0; zeile < liste->count(); ++zeile) {
-        EXPECT_EQ(liste->item(zeile)->toolTip().isEmpty(), zeile != 2) << zeile;  // only the mark explains itself
-        EXPECT_FALSE(liste->item(zeile)->text().contains(QStringLiteral("Melodie?")));
+    const auto pfad = u.startenMit(lied);
+    auto* spuren = u.el<QListWidget>("TrackList");
+    EXPECT_EQ(spuren->currentRow(), 1);
+    for (int zeile = 0; zeile < spuren->count(); ++zeile) {
+        EXPECT_EQ(spuren->item(zeile)->toolTip().isEmpty(), zeile != 2) << zeile;  // only the mark explains itself
+        EXPECT_FALSE(spuren->item(zeile)->text().contains(QStringLiteral("Melodie?")));
     }
     EXPECT_EQ(u.el<QCheckBox>("chSpurMischen", 3)->text(), QStringLiteral("3: Melodie"));
+    u.menue("mMelodieSpur")->trigger();
+    EXPECT_EQ(spuren->currentRow(), 2);
+
+    auto* begleitung = u.el<QListWidget>("listBegleitung");
+    ASSERT_EQ(begleitung->count(), 3);  // the tempo track has no notes
+    begleitung->item(0)->setCheckState(Qt::Checked);
+    const auto& stueck = u.fenster().blattBereich().stueck();
+    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 4);
+    EXPECT_EQ(u.el<QLabel>("labSpalte", 0)->palette().color(QPalette::Window), QColor(165, 215, 235));  // the bass's 55
+    u.fenster().blattBereich().wiedergabePosition(0);
+    const auto& an = u.fenster().blattBereich().ansicht().hervorgehoben();
+    for (size_t i = 0; i < stueck->noten.size(); ++i) EXPECT_EQ(an.at(i), stueck->noten[i].start == 0) << i;
 
     auto& blatt = u.fenster().blattBereich().ansicht();
     ASSERT_TRUE(blatt.blatt().transpoVorschlag);
-    const int vorschlag = blatt.blatt().vorschlag;
-    EXPECT_EQ(vorschlag, 12);
+    EXPECT_EQ(blatt.blatt().vorschlag, 12);  // 43 to 72 onto the strings
     u.el<QPushButton>("cmdPassendTransponieren")->click();
-    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), vorschlag);
-    EXPECT_EQ(u.einstellungen().Transpo(), vorschlag);
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);
     EXPECT_EQ(blatt.blatt().ausserhalb, 0);
-
-    u.menue("mMelodieSpur")->trigger();
-    EXPECT_EQ(liste->currentRow(), 2);
-    liste->setCurrentRow(3);
-    u.el<QPushButton>("cmdPassendTransponieren")->click();
-    ASSERT_FALSE(u.nachrichten.empty());
-    EXPECT_TRUE(u.nachrichten.back().text.contains(QStringLiteral("mehr Töne, als die Harfe Saiten hat")));
-    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), vorschlag);
-}
-
-} // namespace
-} // namespace lyrabo::test
-
-namespace lyrabo::test {
-namespace {
-
-QColor feldFarbe(FensterUmgebung& u, int i) { return u.el<QLabel>("labSpalte", i)->palette().color(QPalette::Window); }
-
-// Ticking a track as accompaniment puts it on the sheet and lightens the strings only it uses;
-// "Passend transponieren" fits both voices, and the menu's PDF is lyrabo-cli's with --begleitung.
-TEST(Begleitung, AngekreuztAufBlattSaitenUndPdf) {
-    FensterUmgebung u;
-    const auto lied = u.startenMit(liedMitDreiSpuren());
-    auto* liste = u.el<QListWidget>("listBegleitung");
-    ASSERT_EQ(liste->count(), 2);  // the tempo track has no notes
-    EXPECT_EQ(liste->item(1)->text(), QStringLiteral("3: Bass"));
-    const QColor vorher = feldFarbe(u, 0);
-    liste->item(1)->setCheckState(Qt::Checked);
-    const auto& stueck = u.fenster().blattBereich().stueck();
-    ASSERT_TRUE(stueck);
-    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 6);
-    EXPECT_EQ(feldFarbe(u, 0), QColor(165, 215, 235));  // g, only the bass's 55 of its notes is on the strings
-    // Playback lights the bass's first note with the melody's.
-    u.fenster().blattBereich().wiedergabePosition(0);
-    const auto& an = u.fenster().blattBereich().ansicht().hervorgehoben();
-    for (size_t i = 0; i < stueck->noten.size(); ++i)
-        EXPECT_EQ(an.at(i), stueck->noten[i].start == 0) << i;
-
-    u.el<QPushButton>("cmdPassendTransponieren")->click();
-    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);  // 43 to 74 onto the strings
 #ifdef LYRABO_CLI
     const auto fenster = u.ordner() / "fenster.pdf", cli = u.ordner() / "cli.pdf";
     u.dialogAntworten.push_back(QString::fromStdString(fenster.string()));
     u.menue("mBlattAlsPdf")->trigger();
     QProcess p;
-    p.start(QStringLiteral(LYRABO_CLI), {"convert", QString::fromStdString(lied.string()), "--spur", "2", "--begleitung", "3",
-                                         "--transpo", "passend", "--pdf", QString::fromStdString(cli.string())});
+    p.start(QStringLiteral(LYRABO_CLI), {"convert", QString::fromStdString(pfad.string()), "--spur", "melodie", "--begleitung",
+                                         "2", "--transpo", "passend", "--pdf", QString::fromStdString(cli.string())});
     ASSERT_TRUE(p.waitForFinished(60000));
     EXPECT_TRUE(dateiLesen(fenster) == dateiLesen(cli));
 #endif
-    liste->item(1)->setCheckState(Qt::Unchecked);
-    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 0);
+    spuren->setCurrentRow(3);
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    ASSERT_FALSE(u.nachrichten.empty());
+    EXPECT_TRUE(u.nachrichten.back().text.contains(QStringLiteral("mehr Töne, als die Harfe Saiten hat")));
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);
 }
 
 } // namespace
