@@ -224,6 +224,15 @@ void BlattBereich::nachUmrechnung(bool mischung) {
     m_spur = mischung ? int16_t{0} : static_cast<int16_t>(m_programm.Form().ausgewaehlteSpurZeile() + 1);
     const std::string titel = blattTitel(m_programm, m_spur);
     m_melodie = blattStueck(m_programm, mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, titel);
+    // The track shown is the melody; ticked as accompaniment too it would add nothing.
+    if (listBegleitung) {
+        const QSignalBlocker sperre(listBegleitung);
+        for (int i = 0; i < listBegleitung->count(); ++i) {
+            QListWidgetItem* eintrag = listBegleitung->item(i);
+            const bool gezeigt = eintrag->data(Qt::UserRole).toInt() == m_spur;
+            eintrag->setFlags(gezeigt ? eintrag->flags() & ~Qt::ItemIsEnabled : eintrag->flags() | Qt::ItemIsEnabled);
+        }
+    }
     stueckZusammensetzen();
     neuSetzen();
 }
