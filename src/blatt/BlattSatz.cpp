@@ -5,6 +5,7 @@
 #include "blatt/KurzePausen.h"
 #include "blatt/Musik.h"
 #include "blatt/Seitenrahmen.h"
+#include "blatt/Transposition.h"
 #include "blatt/Zeilen.h"
 
 #include <algorithm>
@@ -19,19 +20,17 @@ namespace {
 // of rests. It becomes one page that says so, decided before any page is drawn.
 constexpr int kMaxSeiten = 2000;
 
-// Notes beside the strings, and the smallest shift that would bring them all onto them.
+// Notes beside the strings, and the transposition that would bring them all onto them: the one
+// the button "Passend transponieren" and lyrabo-cli's --transpo passend set.
 void ausserhalbZaehlen(Blatt& blatt, const Stueck& st, int n) {
-    int tief = 1000, hoch = -1000;
     for (const auto& no : st.noten) {
         const int s = saiteVon(no.tonHoehe, st.transpo);
-        tief = std::min(tief, s);
-        hoch = std::max(hoch, s);
         if (s < 1 || s > n) ++blatt.ausserhalb;
     }
-    if (blatt.ausserhalb > 0 && hoch - tief <= n - 1) {
-        const int vonS = 1 - tief, bisS = n - hoch;
+    if (blatt.ausserhalb == 0) return;
+    if (const auto t = passendeTransposition(tonumfang(st), n)) {
         blatt.transpoVorschlag = true;
-        blatt.vorschlag = int16_t(st.transpo + (vonS > 0 ? vonS : bisS));
+        blatt.vorschlag = int16_t(*t);
     }
 }
 

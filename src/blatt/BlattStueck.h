@@ -14,6 +14,7 @@ struct Note {
     int16_t akkordNr = 0; // notes with the same number start together
     std::string text;     // lyric carried by the note (UTF-8), may be empty
     bool melodie = false; // the chord's melody note, joined to the next one by the melody line
+    bool begleitung = false; // from an accompaniment track: drawn smaller and lighter, no melody line
 };
 
 struct Pause {

@@ -15,6 +15,22 @@ const Farbe kTaktLinie{95, 95, 95};
 const Farbe kMelodie{140, 155, 200};   // lighter than the heads, still a line the eye follows
 const Farbe kAkkord{80, 80, 80};
 const Farbe kLiedText{60, 60, 140};
+// Accompaniment: smaller, lighter heads, and a thinner, lighter dashed line to the melody.
+constexpr double kBegleitSkala = 0.75;
+const Farbe kBegleitung{120, 120, 120};
+const Farbe kBegleitRot{235, 120, 120};
+const Farbe kBegleitLinie{165, 165, 165};
+
+// The outer heads of a set of notes that start in one row: strings and half widths.
+struct Spanne {
+    int links = 1000, rechts = -1000;
+    double rxL = 0, rxR = 0;
+    bool leer() const { return rechts < links; }
+    void dazu(int saite, double rx) {
+        if (saite < links) links = saite, rxL = rx;
+        if (saite > rechts) rechts = saite, rxR = rx;
+    }
+};
 
 // Cuts a line to the stretch lo <= x <= hi; false when nothing of it is left.
 bool zuschneiden(Linie& l, double lo, double hi) {
@@ -89,27 +105,37 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
             }
         }
         // A chord: the notes that start here, joined by a thin dashed line between their outer heads.
-        int links = 1000, rechts = -1000;
-        double rxL = 0, rxR = 0;
+        // Accompaniment that starts with them is joined to the nearest of them by a lighter line.
+        Spanne melodie, begleitung;
         for (const auto& t : r.noten) {
             if (!t.anfang) continue;
-            const double rx = notenMass(t.sechzehntel, form).rx;
-            if (t.saite < links) links = t.saite, rxL = rx;
-            if (t.saite > rechts) rechts = t.saite, rxR = rx;
+            const bool begleitend = st.noten[size_t(t.note)].begleitung;
+            const double rx = notenMass(t.sechzehntel, form).rx * (begleitend ? kBegleitSkala : 1.0);
+            (begleitend ? begleitung : melodie).dazu(t.saite, rx);
         }
-        if (rechts > links) {
-            Linie l{{xVon(links) + rxL + 0.3, y}, {xVon(rechts) - rxR - 0.3, y}, 0.2, kAkkord, true};
-            if (zuschneiden(l, lage.links, lage.rechts)) el.push_back({l});
+        auto strich = [&](int s1, double rx1, int s2, double rx2, double staerke, Farbe f) {
+            Linie l{{xVon(s1) + rx1 + 0.3, y}, {xVon(s2) - rx2 - 0.3, y}, staerke, f, true};
+            if (l.b.x > l.a.x && zuschneiden(l, lage.links, lage.rechts)) el.push_back({l});
+        };
+        if (melodie.rechts > melodie.links) strich(melodie.links, melodie.rxL, melodie.rechts, melodie.rxR, 0.2, kAkkord);
+        if (!begleitung.leer() && !melodie.leer()) {
+            if (begleitung.links < melodie.links) strich(begleitung.links, begleitung.rxL, melodie.links, melodie.rxL, 0.15, kBegleitLinie);
+            if (begleitung.rechts > melodie.rechts)
+                strich(melodie.rechts, melodie.rxR, begleitung.rechts, begleitung.rxR, 0.15, kBegleitLinie);
+        } else if (begleitung.rechts > begleitung.links) {
+            strich(begleitung.links, begleitung.rxL, begleitung.rechts, begleitung.rxR, 0.15, kBegleitLinie);
         }
 
         for (const auto& t : r.noten) {
             if (!sichtbar(t.saite)) continue;
-            const Farbe f = t.richtung != 0 ? kRot : kSchwarz;
-            const Punkt m{xVon(t.saite), y};
-            const Zeichenmass mass = notenMass(t.sechzehntel, form);
-            notenZeichen(el, m, t.sechzehntel, form, f, t.note);
-            if (t.richtung != 0) pfeil(el, m, mass.rx, t.richtung, t.note);
             const Note& no = st.noten[size_t(t.note)];
+            const double skala = no.begleitung ? kBegleitSkala : 1.0;
+            const Farbe f = t.richtung != 0 ? (no.begleitung ? kBegleitRot : kRot) : (no.begleitung ? kBegleitung : kSchwarz);
+            const Punkt m{xVon(t.saite), y};
+            Zeichenmass mass = notenMass(t.sechzehntel, form);
+            mass.rx *= skala;
+            notenZeichen(el, m, t.sechzehntel, form, f, t.note, skala);
+            if (t.richtung != 0) pfeil(el, m, mass.rx, t.richtung, t.note);
             if (e.notenTexte && !no.text.empty() && t.anfang)
                 el.push_back({Text{{m.x + (t.textLinks ? -1 : 1) * liedTextVersatz(t.sechzehntel, form), y + kLiedTextGrundlinie}, no.text,
                                    kLiedTextGroesse, t.textLinks ? Ausrichtung::Rechts : Ausrichtung::Links, false, kLiedText}});
@@ -130,8 +156,10 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
             for (const auto& t : z[i].noten) {
                 if (!t.weiter || t.bisU < vonU || !sichtbar(t.saite)) continue;
                 const size_t ziel = zeilen.zeileAb(t.bisU);
-                if (ziel < bis && z[ziel].u == t.bisU)
-                    bogen(el, xVon(t.saite), lage.musikOben - 1, z[ziel].y, notenMass(t.sechzehntel, form).rx, t.richtung ? kRot : kSchwarz, t.note);
+                const bool begleitend = st.noten[size_t(t.note)].begleitung;
+                const double rx = notenMass(t.sechzehntel, form).rx * (begleitend ? kBegleitSkala : 1.0);
+                const Farbe f = t.richtung ? (begleitend ? kBegleitRot : kRot) : (begleitend ? kBegleitung : kSchwarz);
+                if (ziel < bis && z[ziel].u == t.bisU) bogen(el, xVon(t.saite), lage.musikOben - 1, z[ziel].y, rx, f, t.note);
             }
         }
     }

@@ -38,14 +38,12 @@ void kopf(std::vector<Element>& el, Punkt m, const Kopf& k, Farbe f, int32_t not
     el.push_back({e, note});
 }
 
-// A flag at the lower end of a stem, curving up and to the right, 1.7 mm high.
-void fahne(std::vector<Element>& el, Punkt s, Farbe f, int32_t note) {
+// A flag at the lower end of a stem, curving up and to the right, 1.7 mm high (times `k`).
+void fahne(std::vector<Element>& el, Punkt s, Farbe f, int32_t note, double k) {
     Pfad p;
     p.farbe = f;
-    p.start(s)
-        .kurve({s.x + 0.2, s.y - 0.55}, {s.x + 1.9, s.y - 0.75}, {s.x + 1.6, s.y - 1.7})
-        .kurve({s.x + 1.5, s.y - 1.05}, {s.x + 0.5, s.y - 0.9}, {s.x, s.y - 0.6})
-        .schliessen();
+    auto P = [&](double dx, double dy) { return Punkt{s.x + k * dx, s.y + k * dy}; };
+    p.start(s).kurve(P(0.2, -0.55), P(1.9, -0.75), P(1.6, -1.7)).kurve(P(1.5, -1.05), P(0.5, -0.9), P(0, -0.6)).schliessen();
     el.push_back({p, note});
 }
 
@@ -72,19 +70,23 @@ double pausenHalbeHoehe(int sechzehntel) {
     }
 }
 
-void notenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel, Notenform form, Farbe f, int32_t note) {
+void notenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel, Notenform form, Farbe f, int32_t note,
+                  double skala) {
     const Wert w = wertVon(sechzehntel);
-    const Kopf k = form == Notenform::Harfe ? harfenKopf(w.basis) : halsKopf(w.basis);
+    Kopf k = form == Notenform::Harfe ? harfenKopf(w.basis) : halsKopf(w.basis);
+    const double voll = form == Notenform::Harfe ? k.rx : 1.35;  // the stem stands at the filled head's edge
+    k.rx *= skala;
+    k.ry *= skala;
     kopf(el, m, k, f, note);
     if (form == Notenform::Hals && w.basis < 16) {
-        const double hx = m.x - 1.35 + 0.15;
+        const double hx = m.x - voll * skala + 0.15;
         // A sixteenth's stem is longer, so that its second flag stays clear of the head.
-        const double laenge = halsLaenge(w.basis);
-        el.push_back({Linie{{hx, m.y + 0.25}, {hx, m.y + laenge}, 0.22, f}, note});
-        if (w.basis <= 2) fahne(el, {hx, m.y + laenge}, f, note);
-        if (w.basis == 1) fahne(el, {hx, m.y + laenge - 0.85}, f, note);
+        const double laenge = halsLaenge(w.basis) * skala;
+        el.push_back({Linie{{hx, m.y + 0.25 * skala}, {hx, m.y + laenge}, 0.22, f}, note});
+        if (w.basis <= 2) fahne(el, {hx, m.y + laenge}, f, note, skala);
+        if (w.basis == 1) fahne(el, {hx, m.y + laenge - 0.85 * skala}, f, note, skala);
     }
-    if (w.punktiert) el.push_back({Ellipse{{m.x + k.rx + 0.7, m.y}, 0.36, 0.36, 0, true, 0, f}, note});
+    if (w.punktiert) el.push_back({Ellipse{{m.x + k.rx + 0.7 * skala, m.y}, 0.36 * skala, 0.36 * skala, 0, true, 0, f}, note});
 }
 
 // Rests in their usual signs, at 70 % of a staff's size: the harp player only needs to see the pause.

@@ -22,7 +22,9 @@ double pausenHalbeHoehe(int sechzehntel);
 
 inline constexpr double kKopfWinkel = 20; // a head leans like a written one
 
-void notenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel, Notenform form, Farbe f, int32_t note);
+// `skala` shrinks the sign (an accompaniment note is drawn smaller than the melody's).
+void notenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel, Notenform form, Farbe f, int32_t note,
+                  double skala = 1.0);
 void pausenZeichen(std::vector<Element>& el, Punkt m, int sechzehntel);
 // The tie: a flat bow right of the heads, from one part (y1) to the next (y2).
 void bogen(std::vector<Element>& el, double x, double y1, double y2, double rx, Farbe f, int32_t note);

@@ -1,5 +1,6 @@
 #include "blattmaler/BlattPdf.h"
 
+#include "app/core/Begleitung.h"
 #include "app/core/BlattQuelle.h"
 #include "blatt/BlattSatz.h"
 #include "blattmaler/BlattMaler.h"
@@ -16,7 +17,8 @@ namespace {
 // Lays the sheet out and hands it to `schreiben`; "" or a German message.
 template <typename Schreiben>
 std::string notenblatt(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
-                       const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel, Schreiben schreiben) {
+                       const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel,
+                       const std::vector<int16_t>& begleitung, Schreiben schreiben) {
     const std::string name = "Das Notenblatt \"" + ziel.filename().string() + "\"";
     // Without the application object Qt has no fonts and would stop the whole program.
     if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) return name + " kann ohne grafische Umgebung nicht geschrieben werden.";
@@ -26,7 +28,9 @@ std::string notenblatt(CProgramm& programm, const KlangNotenRef& noten, int16_t 
     QHashSeed::setDeterministicGlobalSeed();
     try {
         const std::string titel = blattTitel(programm, spur);
-        const blatt::Blatt blatt = blatt::setzen(blattStueck(programm, noten, titel), einstellungen);
+        const blatt::Stueck stueck =
+            blattStueckMitBegleitung(programm, blattStueck(programm, noten, titel), begleitung, spur);
+        const blatt::Blatt blatt = blatt::setzen(stueck, einstellungen);
         return schreiben(blatt, titel);
     } catch (const std::exception&) {
         return name + " konnte nicht gesetzt werden.";
@@ -36,15 +40,17 @@ std::string notenblatt(CProgramm& programm, const KlangNotenRef& noten, int16_t 
 } // namespace
 
 std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
-                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel) {
-    return notenblatt(programm, noten, spur, einstellungen, ziel, [&](const blatt::Blatt& blatt, const std::string& titel) {
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel,
+                          const std::vector<int16_t>& begleitung) {
+    return notenblatt(programm, noten, spur, einstellungen, ziel, begleitung, [&](const blatt::Blatt& blatt, const std::string& titel) {
         return blatt::alsPdf(blatt, ziel, titel, blattDatum(programm));
     });
 }
 
 std::string notenblattSvg(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
-                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel, size_t* seiten) {
-    return notenblatt(programm, noten, spur, einstellungen, ziel, [&](const blatt::Blatt& blatt, const std::string& titel) {
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel, size_t* seiten,
+                          const std::vector<int16_t>& begleitung) {
+    return notenblatt(programm, noten, spur, einstellungen, ziel, begleitung, [&](const blatt::Blatt& blatt, const std::string& titel) {
         if (seiten) *seiten = blatt.seiten.size();
         return blatt::alsSvg(blatt, ziel, titel);
     });

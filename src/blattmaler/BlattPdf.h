@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace lyrabo {
 
@@ -14,14 +15,16 @@ class CProgramm;
 
 // Lays out the notes of `noten` (KlangNoten of the track converted, or KlangNotenMix after a mix)
 // with the engine's rests and the bar table, titled after track `spur` (0 for a mix), and writes
-// the PDF to `ziel` through a temporary file. Needs a QGuiApplication. Returns "" or a German message.
+// the PDF to `ziel` through a temporary file; the tracks of `begleitung` join as accompaniment.
+// Needs a QGuiApplication. Returns "" or a German message.
 std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
-                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel);
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel,
+                          const std::vector<int16_t>& begleitung = {});
 
 // The same sheet as SVG, one file per page (blatt::svgDateien names them); `seiten` gets the number
 // of pages written. Returns "" or a German message.
 std::string notenblattSvg(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
                           const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel,
-                          size_t* seiten = nullptr);
+                          size_t* seiten = nullptr, const std::vector<int16_t>& begleitung = {});
 
 } // namespace lyrabo

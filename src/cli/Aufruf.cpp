@@ -66,7 +66,8 @@ bool erlaubt(Befehl b, const std::string& option) {
         "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
         "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
     static const std::set<std::string> kBlatt = {"--pdf", "--svg", "--papier", "--hoch", "--quer", "--saitenabstand",
-                                                 "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen"};
+                                                 "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen",
+                                                 "--begleitung"};
     switch (b) {
     case Befehl::Info:
         return option == "--spur";
@@ -152,7 +153,14 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         }
         const std::string& w = *wert;
         if (arg == "--spur") {
-            a.spur = ganzeZahl(w, arg, 1, 32767);
+            if (w == "melodie") a.spurMelodie = true;
+            else a.spur = ganzeZahl(w, arg, 1, 32767);
+        } else if (arg == "--begleitung") {
+            for (const auto& t : teile(w)) {
+                int16_t s = ganzeZahl(t, arg, 1, 32767);
+                if (std::find(a.blatt.Begleitung.begin(), a.blatt.Begleitung.end(), s) == a.blatt.Begleitung.end())
+                    a.blatt.Begleitung.push_back(s);
+            }
         } else if (arg == "--spuren") {
             for (const auto& t : teile(w)) {
                 int16_t s = ganzeZahl(t, arg, 1, 32767);
@@ -202,7 +210,8 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
             if (a.befehl == Befehl::Mix && (a.mitKlangnoten || a.mitWdb))
                 throw AufrufFehler("mix schreibt nur harfentext, pdf und svg.");
         } else if (arg == "--transpo") {
-            a.optionen.Transpo = ganzeZahl(w, arg, -kTranspoGrenze, kTranspoGrenze);
+            if (w == "passend") a.optionen.TranspoPassend = true;
+            else a.optionen.Transpo = ganzeZahl(w, arg, -kTranspoGrenze, kTranspoGrenze);
         } else if (arg == "--quantisierung") {
             auto namen = quantisierungsNamen();
             auto it = std::find(namen.begin(), namen.end(), w);
@@ -247,7 +256,7 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         throw AufrufFehler("Mehrere MIDI-Dateien brauchen --ausgabe ORDNER.");
     }
     for (const char* option : {"--papier", "--hoch", "--quer", "--saitenabstand", "--einpassen", "--notenform",
-                               "--kurze-pausen", "--wiederholungen"}) {
+                               "--kurze-pausen", "--wiederholungen", "--begleitung"}) {
         if (gesehen.count(option) && !a.willBlatt())
             throw AufrufFehler(std::string("Die Option ") + option +
                                " gilt nur zusammen mit --pdf, --svg oder --formate pdf oder svg.");
@@ -269,7 +278,7 @@ std::string hilfeText() {
         "Aufruf:\n"
         "  lyrabo-cli info DATEI.mid... [--spur N]\n"
         "      Format, Ticks pro Viertelnote, Tempo, die Spuren mit Nummer, Name, Anzahl der\n"
-        "      Ereignisse und tiefstem und höchstem Ton, die Taktarten mit ihrem Takt und die Zahl\n"
+        "      Ereignisse und tiefstem und höchstem Ton, die vermutete Melodiespur, die Taktarten mit ihrem Takt und die Zahl\n"
         "      der Takte (gezählt nach der Spur N, sonst nach der vorgewählten Spur).\n"
         "  lyrabo-cli events DATEI.mid [--spur N] [--hex]\n"
         "      Die Ereignisliste der Spur wie im Fenster (höchstens 500 Zeilen). Jede Zeile: der\n"
@@ -289,7 +298,8 @@ std::string hilfeText() {
         "      Standardausgabe), und/oder das Notenblatt der gemischten Noten.\n"
         "  lyrabo-cli --help\n"
         "\n"
-        "Spur: ohne --spur die zweite Spur, wenn die Datei mindestens zwei hat, sonst die erste.\n"
+        "Spur: ohne --spur die zweite Spur, wenn die Datei mindestens zwei hat, sonst die erste;\n"
+        "--spur melodie nimmt die Spur, die Lyrabo für die Melodie hält (info nennt sie).\n"
         "\n"
         "Mehrere Dateien (convert, mix):\n"
         "  --ausgabe ORDNER        jede Datei wird in ORDNER unter ihrem eigenen Namen abgelegt:\n"
@@ -305,6 +315,8 @@ std::string hilfeText() {
         "quer):\n"
         "  --svg DATEI.svg         das Notenblatt als SVG-Grafik, eine Datei je Seite: DATEI.svg bei\n"
         "                          einer Seite, sonst DATEI-1.svg, DATEI-2.svg, …\n"
+        "  --begleitung 3,4        diese Spuren als Begleitung auf dem Blatt: kleinere, hellere Köpfe\n"
+        "                          ohne Melodielinie, umgerechnet wie die Spur selbst\n"
         "  --papier A4|A3          Papierformat\n"
         "  --hoch, --quer          Hoch- oder Querformat\n"
         "  --saitenabstand MM      Abstand der Saiten in Millimetern, 10 bis 14 (Vorgabe 11,5)\n"
@@ -318,7 +330,9 @@ std::string hilfeText() {
         "                          Wiederholungen zusammenfassen (Vorgabe ja)\n"
         "\n"
         "Optionen (wie im Fenster; ohne Angabe gelten die Vorgaben und die User-Daten):\n"
-        "  --transpo N             Transponierung in Halbtönen (-36 bis 36)\n"
+        "  --transpo N             Transponierung in Halbtönen (-36 bis 36); --transpo passend\n"
+        "                          nimmt die kleinste, die alle Noten auf die Saiten bringt, wie\n"
+        "                          \"Passend transponieren\" im Fenster (gibt es keine: Rückgabewert 4)\n"
         "  --quantisierung WERT    Quantisierung: " + quant + "\n"
         "  --kanal 0|1|2           Kanalbelegung\n"
         "  --legato[=ja|nein]      Legato\n"

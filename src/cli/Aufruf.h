@@ -32,6 +32,7 @@ enum class Befehl { Hilfe, Info, Events, Convert, Mix };
 // settings object and the user settings file have it.
 struct COptionen {
     std::optional<int16_t> Transpo;
+    bool TranspoPassend = false;           // --transpo passend: as the button "Passend transponieren"
     std::optional<int16_t> QuantPosition;  // 1-based position in NotenLaengenStr
     std::optional<int16_t> KanalBelegung;
     std::optional<bool> Legato;
@@ -52,12 +53,14 @@ struct CBlattOptionen {
     std::optional<blatt::Notenform> Notenform;
     std::optional<bool> KurzePausen;
     std::optional<bool> Wiederholungen;
+    std::vector<int16_t> Begleitung;       // tracks drawn as accompaniment beside the one converted
 };
 
 struct CAufruf {
     Befehl befehl = Befehl::Hilfe;
     std::vector<std::string> dateien;
     std::optional<int16_t> spur;
+    bool spurMelodie = false;              // --spur melodie: the track the program takes for the melody
     std::vector<int16_t> spuren;           // mix
     bool hex = false;                      // events
     std::optional<std::string> harfentext; // file name, "-" = standard output

@@ -1,5 +1,9 @@
 #include "cli/Kommandozeile.h"
 
+#include "app/core/Begleitung.h"
+#include "app/core/BlattQuelle.h"
+#include "app/core/MelodieSpur.h"
+#include "blatt/Transposition.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
@@ -165,7 +169,8 @@ void CKommandozeile::laden(const std::string& datei, bool umsetzen) {
     m_form.NachLaden([this, umsetzen]() {
         int16_t anzahl = m_programm.Midifile1.TrackCount();
         m_spur = m_aufruf->spur ? *m_aufruf->spur : static_cast<int16_t>(anzahl >= 2 ? 2 : 1);
-        if (m_spur > anzahl) {
+        if (m_aufruf->spurMelodie) m_spur = melodie();
+        if (m_spur < 1 || m_spur > anzahl) {
             m_spurFehlt = true;
             return;
         }
@@ -178,8 +183,16 @@ void CKommandozeile::laden(const std::string& datei, bool umsetzen) {
     bool geladen = m_programm.openMIDIFile(2);
     if (!geladen || !m_programm.Midifile1.geladen() || !m_form.Geladen())
         throw MidiDateiFehler("Die MIDI-Datei \"" + datei + "\" konnte nicht geladen werden.");
+    for (int16_t s : m_aufruf->blatt.Begleitung) {
+        const int16_t anzahl = m_programm.Midifile1.TrackCount();
+        if (s > anzahl)
+            throw AufrufFehler("Die Spur " + std::to_string(s) + " gibt es nicht; die Datei hat " + std::to_string(anzahl) +
+                               (anzahl == 1 ? " Spur." : " Spuren."));
+    }
     if (m_spurFehlt) {
         int16_t anzahl = m_programm.Midifile1.TrackCount();
+        if (m_aufruf->spurMelodie && anzahl > 0)
+            throw UmsetzungFehler("Keine Spur der Datei \"" + datei + "\" enthält Noten, also auch keine Melodie.");
         if (!m_aufruf->spur) throw MidiDateiFehler("Die MIDI-Datei \"" + datei + "\" enthält keine Spur.");
         throw AufrufFehler("Die Spur " + std::to_string(m_spur) + " gibt es nicht; die Datei hat " +
                            std::to_string(anzahl) + (anzahl == 1 ? " Spur." : " Spuren."));
@@ -214,6 +227,12 @@ void CKommandozeile::info(const std::string& datei) {
         else s += "tiefster Ton " + std::to_string(e.TonMin()) + ", höchster Ton " + std::to_string(e.TonMax()) + "\n";
     }
     m_form.Zeile(static_cast<int16_t>(m_spur - 1));
+    const int16_t melodieNr = melodie();
+    s += "Melodie vermutlich: " +
+         (melodieNr > 0 ? "Spur " + std::to_string(melodieNr) + " (" +
+                              (size_t(melodieNr) <= labels.size() ? labels[size_t(melodieNr - 1)]
+                                                                  : m_programm.spurBezeichnung(melodieNr)) + ")"
+                        : std::string("keine, keine Spur enthält Noten")) + "\n";
 
     // Bars are counted along the track the window would convert, as its bar tables are.
     if (anzahl > 0) m_programm.MIDIFileSetsESVarsFrmIntern(m_spur);
@@ -296,6 +315,7 @@ void CKommandozeile::convert(const std::string& datei) {
         felderSetzen();
         m_form.KlangNotenText(kln.getHarfeEventString());
     }
+    if (m_aufruf->optionen.TranspoPassend && transpoPassend(m_programm.KlangNoten, m_spur)) m_programm.neuBerechnen();
     std::string harfentext = *m_form.KlangNotenText();
 
     std::string klangnoten;
@@ -370,6 +390,8 @@ void CKommandozeile::mix(const std::string& datei) {
 
     CKLNCreator& kln = m_programm.KLNCreator();
     kln.spurenMischen();
+    if (m_form.Zwischenablage() && m_aufruf->optionen.TranspoPassend && transpoPassend(m_programm.KlangNotenMix, 0))
+        kln.spurenMischen();
     if (!m_form.Zwischenablage()) throw UmsetzungFehler("Die Spuren konnten nicht gemischt werden.");
     if (!kln.IsMonoton()) m_form.meldung(kPolyphonMeldung);
 
@@ -378,11 +400,29 @@ void CKommandozeile::mix(const std::string& datei) {
     blattSpeichern(z, m_programm.KlangNotenMix, 0);
 }
 
+int16_t CKommandozeile::melodie() {
+    const Midifile& mf = m_programm.Midifile1;
+    const CEinstellungen& e = m_programm.Einstellungen();
+    return mf.inhalt() ? melodieSpur(*mf.inhalt(), e.Transpo(), e.WDBSpaltenAnzahl() == 25 ? 25 : 37) : 0;
+}
+
+bool CKommandozeile::transpoPassend(const KlangNotenRef& noten, int16_t spur) {
+    // The voices the sheet shows: the track (or the mix) and its accompaniment.
+    const blatt::Stueck st = blattStueckMitBegleitung(m_programm, blattStueck(m_programm, noten, ""), m_aufruf->blatt.Begleitung, spur);
+    const blatt::Tonumfang umfang = blatt::tonumfang(st);
+    const auto transpo = blatt::passendeTransposition(umfang, st.saiten);
+    if (!transpo) throw UmsetzungFehler(blatt::passtNichtText(umfang, st.saiten));
+    if (*transpo == m_programm.Einstellungen().Transpo()) return false;
+    m_programm.Einstellungen().Transpo(static_cast<int16_t>(*transpo));
+    return true;
+}
+
 void CKommandozeile::blattSpeichern(const Ziele& z, const KlangNotenRef& noten, int16_t spur) {
     if (z.pdf.empty() && z.svg.empty()) return;
     m_phase = Phase::Schreiben;
 #ifdef LYRABO_MIT_BLATT
     const CBlattOptionen& o = m_aufruf->blatt;
+    const std::vector<int16_t>& begleitung = o.Begleitung;
     // What the window last used for this harp size, as the user settings file stands for its controls.
     blatt::Einstellungen e = blattDatenLesen(m_ordner).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
     if (o.Papier) e.papier = *o.Papier;
@@ -393,11 +433,11 @@ void CKommandozeile::blattSpeichern(const Ziele& z, const KlangNotenRef& noten, 
     if (o.KurzePausen) e.kurzePausenSchliessen = *o.KurzePausen;
     if (o.Wiederholungen) e.wiederholungenZusammenfassen = *o.Wiederholungen;
     if (!z.pdf.empty()) {
-        const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(z.pdf));
+        const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(z.pdf), begleitung);
         if (!meldung.empty()) throw DateiFehler(meldung);
     }
     if (!z.svg.empty()) {
-        const std::string meldung = notenblattSvg(m_programm, noten, spur, e, fs::path(z.svg));
+        const std::string meldung = notenblattSvg(m_programm, noten, spur, e, fs::path(z.svg), nullptr, begleitung);
         if (!meldung.empty()) throw DateiFehler(meldung);
     }
 #else

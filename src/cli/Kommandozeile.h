@@ -51,6 +51,12 @@ private:
     // call's sheet options: as PDF to `pdf`, as SVG to `svg` (each "" for none).
     void blattSpeichern(const Ziele& z, const KlangNotenRef& noten, int16_t spur);
     void textSchreiben(const std::string& ziel, const std::string& utf8Text);
+    // The track the program takes for the melody (0: no track has notes).
+    int16_t melodie();
+    // --transpo passend: sets the transposition that fits `noten` (of `spur`, 0 for a mix) and the
+    // accompaniment onto the strings; true when it changed (the caller converts again). Throws
+    // UmsetzungFehler when none fits.
+    bool transpoPassend(const KlangNotenRef& noten, int16_t spur);
 
     std::filesystem::path m_ordner;
     std::ostream& m_aus;

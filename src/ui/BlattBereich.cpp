@@ -1,5 +1,6 @@
 #include "ui/BlattBereich.h"
 
+#include "app/core/Begleitung.h"
 #include "app/core/BlattQuelle.h"
 #include "app/core/CProgramm.h"
 #include "blatt/BlattSatz.h"
@@ -18,7 +19,9 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QGroupBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QLocale>
 #include <QMenu>
 #include <QPrintDialog>
@@ -171,6 +174,18 @@ QFrame* BlattBereich::optionenAnlegen(QWidget* eltern) {
     g->setColumnStretch(3, 1);
     g->setRowStretch(5, 1);
 
+    // Further tracks drawn beside the melody, lighter; kept for this file only.
+    auto* begleitung = new QGroupBox(QStringLiteral("Begleitung"), f);
+    auto* bl = new QVBoxLayout(begleitung);
+    listBegleitung = benannt(new QListWidget(begleitung), "listBegleitung");
+    listBegleitung->setToolTip(QStringLiteral("Angekreuzte Spuren stehen als Begleitung auf dem Blatt: kleinere, hellere "
+                                              "Köpfe ohne Melodielinie,\nmit einer gestrichelten Linie zur Melodienote, "
+                                              "die zugleich beginnt. Umgerechnet wie die Spur selbst."));
+    listBegleitung->setMaximumWidth(230);
+    bl->addWidget(listBegleitung);
+    g->addWidget(begleitung, 0, 4, 6, 1);
+    connect(listBegleitung, &QListWidget::itemChanged, this, [this] { begleitungGeaendert(); });
+
     connect(comboPapier, &QComboBox::currentIndexChanged, this, [this] { optionGeaendert(); });
     connect(comboNotenform, &QComboBox::currentIndexChanged, this, [this] { optionGeaendert(); });
     for (auto* w : {opHochformat, opQuerformat}) connect(w, &QRadioButton::toggled, this, [this](bool an) {
@@ -208,13 +223,74 @@ void BlattBereich::nachUmrechnung(bool mischung) {
     m_mischung = mischung;
     m_spur = mischung ? int16_t{0} : static_cast<int16_t>(m_programm.Form().ausgewaehlteSpurZeile() + 1);
     const std::string titel = blattTitel(m_programm, m_spur);
-    m_stueck = blattStueck(m_programm, mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, titel);
+    m_melodie = blattStueck(m_programm, mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, titel);
+    // The track shown is the melody; ticked as accompaniment too it would add nothing.
+    if (listBegleitung) {
+        const QSignalBlocker sperre(listBegleitung);
+        for (int i = 0; i < listBegleitung->count(); ++i) {
+            QListWidgetItem* eintrag = listBegleitung->item(i);
+            const bool gezeigt = eintrag->data(Qt::UserRole).toInt() == m_spur;
+            eintrag->setFlags(gezeigt ? eintrag->flags() & ~Qt::ItemIsEnabled : eintrag->flags() | Qt::ItemIsEnabled);
+        }
+    }
+    stueckZusammensetzen();
+    neuSetzen();
+}
+
+void BlattBereich::stueckZusammensetzen() {
+    if (!m_melodie) {
+        m_stueck.reset();
+    } else {
+        try {
+            m_stueck = blattStueckMitBegleitung(m_programm, *m_melodie, m_begleitung, m_spur);
+        } catch (const std::exception&) {
+            m_stueck = m_melodie;
+            status(QStringLiteral("Die Begleitung konnte nicht umgerechnet werden; das Blatt zeigt nur die Melodie."));
+        }
+    }
+    // The string row shows the strings the accompaniment uses.
+    std::vector<int> saiten;
+    if (m_stueck)
+        for (const auto& n : m_stueck->noten)
+            if (n.begleitung) saiten.push_back(blatt::saiteVon(n.tonHoehe, m_stueck->transpo));
+    m_fenster.begleitSaitenZeigen(saiten);
+}
+
+void BlattBereich::begleitSpurenAnbieten(const std::vector<std::string>& labels) {
+    m_begleitung.clear();
+    if (!listBegleitung) return;
+    const QSignalBlocker sperre(listBegleitung);
+    listBegleitung->clear();
+    const MidiDateiInhalt* inhalt = m_programm.Midifile1.inhalt();
+    if (!inhalt || labels.empty()) return;
+    for (int16_t spur : spurenMitNoten(*inhalt)) {
+        const QString name = size_t(spur) <= labels.size() ? ausUtf8(labels[size_t(spur - 1)]) : QString();
+        auto* eintrag = new QListWidgetItem(QStringLiteral("%1: %2").arg(spur).arg(name), listBegleitung);
+        eintrag->setData(Qt::UserRole, int(spur));
+        eintrag->setFlags(eintrag->flags() | Qt::ItemIsUserCheckable);
+        eintrag->setCheckState(Qt::Unchecked);
+    }
+}
+
+void BlattBereich::begleitungGeaendert() {
+    m_begleitung.clear();
+    for (int i = 0; i < listBegleitung->count(); ++i) {
+        const QListWidgetItem* eintrag = listBegleitung->item(i);
+        if (eintrag->checkState() == Qt::Checked) m_begleitung.push_back(static_cast<int16_t>(eintrag->data(Qt::UserRole).toInt()));
+    }
+    if (!m_melodie) return;
+    stueckZusammensetzen();
     neuSetzen();
 }
 
 void BlattBereich::transpoVorschau(int16_t transpo) {
     if (!m_stueck || m_stueck->transpo == transpo) return;
     m_stueck->transpo = transpo;
+    m_melodie->transpo = transpo;
+    std::vector<int> saiten;
+    for (const auto& n : m_stueck->noten)
+        if (n.begleitung) saiten.push_back(blatt::saiteVon(n.tonHoehe, transpo));
+    m_fenster.begleitSaitenZeigen(saiten);
     neuSetzen();
 }
 
@@ -224,7 +300,10 @@ void BlattBereich::harfeGeaendert() {
 }
 
 void BlattBereich::leeren() {
+    begleitSpurenAnbieten({});
+    m_melodie.reset();
     m_stueck.reset();
+    m_fenster.begleitSaitenZeigen({});
     neuSetzen();
 }
 
@@ -314,13 +393,13 @@ std::string BlattBereich::pdfSchreiben(const fs::path& ziel) const {
     if (!m_stueck) return "Bitte zuerst eine MIDI-Datei öffnen und eine Spur wählen.";
     // The same path as the command line takes, from the same conversion, so the files are equal.
     return notenblattPdf(m_programm, m_mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, m_spur,
-                         einstellungen(), ziel);
+                         einstellungen(), ziel, m_begleitung);
 }
 
 std::string BlattBereich::svgSchreiben(const fs::path& ziel, size_t* seiten) const {
     if (!m_stueck) return "Bitte zuerst eine MIDI-Datei öffnen und eine Spur wählen.";
     return notenblattSvg(m_programm, m_mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, m_spur,
-                         einstellungen(), ziel, seiten);
+                         einstellungen(), ziel, seiten, m_begleitung);
 }
 
 void BlattBereich::alsPdfSpeichern() { speichern(false); }

@@ -14,6 +14,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QAction;
 class QCheckBox;
@@ -21,6 +22,7 @@ class QComboBox;
 class QDoubleSpinBox;
 class QFrame;
 class QLabel;
+class QListWidget;
 class QMenu;
 class QPrinter;
 class QPushButton;
@@ -53,6 +55,11 @@ public:
     void harfeGeaendert();
     // A new file is being opened: nothing of the old piece stays on view.
     void leeren();
+    // A file was loaded: its tracks with notes are offered as accompaniment, none ticked. `labels`
+    // are the track list's labels (row r is track r + 1).
+    void begleitSpurenAnbieten(const std::vector<std::string>& labels);
+    // The tracks ticked as accompaniment (kept for this file only).
+    const std::vector<int16_t>& begleitung() const { return m_begleitung; }
     // Playback: the music is at this tick; and it stopped.
     void wiedergabePosition(int32_t tick);
     void wiedergabeAus();
@@ -66,6 +73,7 @@ public:
     // The sheet as it stands (empty until a track is converted) and the settings it was laid out with.
     BlattAnsicht& ansicht() { return *m_ansicht; }
     bool hatStueck() const { return m_stueck.has_value(); }
+    const std::optional<blatt::Stueck>& stueck() const { return m_stueck; }
     const blatt::Einstellungen& einstellungen() const;
     // Writes the sheet shown as a PDF; "" or a German message.
     std::string pdfSchreiben(const std::filesystem::path& ziel) const;
@@ -78,6 +86,9 @@ public:
 
 private:
     int saiten() const;
+    // The piece shown: the melody's piece and the ticked accompaniment.
+    void stueckZusammensetzen();
+    void begleitungGeaendert();
     void neuSetzen();
     void optionenZeigen();
     // "Notenblatt als PDF/SVG speichern…": the dialog, the question before replacing, the file(s).
@@ -93,7 +104,9 @@ private:
     frmLyrabo& m_fenster;
     CProgramm& m_programm;
     BlattDaten m_daten;
-    std::optional<blatt::Stueck> m_stueck;
+    std::optional<blatt::Stueck> m_melodie;  // the piece of the track (or mix) alone
+    std::optional<blatt::Stueck> m_stueck;   // with the accompaniment: what the sheet shows
+    std::vector<int16_t> m_begleitung;
     bool m_mischung = false;
     int16_t m_spur = 0;  // track the sheet shows; 0 for a mix
     bool m_sperre = false;  // while the page's controls are set from the settings
@@ -116,6 +129,7 @@ private:
     QCheckBox* chWiederholungen = nullptr;
     QCheckBox* chNotenTexte = nullptr;
     QCheckBox* chMelodieLinie = nullptr;
+    QListWidget* listBegleitung = nullptr;
     QAction* mBlattAlsPdf = nullptr;
     QAction* mBlattAlsSvg = nullptr;
     QAction* mBlattDrucken = nullptr;

@@ -1,5 +1,7 @@
 #include "ui/Hilfe.h"
 
+#include "app/core/MelodieSpur.h"
+
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QTextBrowser>
@@ -19,12 +21,17 @@ Jede Spalte des Blattes gehört zu einer Saite; das Blatt wird ausgedruckt und u
 Links erscheinen die Spuren der Datei, darunter Tempo, Auflösung (Ticks pro Viertel) und Taktart.
 Der Ordner wird gemerkt und beim nächsten Mal wieder vorgeschlagen.</li>
 <li><b>Spur wählen:</b> Die zweite Zeile der Spurliste ist schon gewählt (bei einer Datei mit nur einer
-Spur die erste). Ein Klick auf eine andere Spur rechnet sie sofort um.</li>
+Spur die erste). Ein Klick auf eine andere Spur rechnet sie sofort um. Hinter der Spur, die vermutlich
+die Melodie trägt, steht <i>Melodie?</i>; ein Klick darauf oder <i>Harfe → Melodiespur wählen</i> wählt sie.
+{melodieregel}</li>
 <li><b>Transponieren:</b> Die Reihe farbiger Felder oben zeigt die Saiten, von der tiefsten links (g) bis
 zur höchsten rechts (g'''). Grün sind die Saiten, die das Stück braucht; hellgrün bzw. blau die Oktav-Saiten g.
 Ist das linke oder rechte Randfeld <span style="color:#d03030"><b>rot</b></span>, reicht das Stück über die
 Harfe hinaus. Den Regler <i>Transposition</i> so weit verschieben (ein Schritt = ein Halbton, zwölf Schritte
-= eine Oktave), bis kein Randfeld mehr rot ist.</li>
+= eine Oktave), bis kein Randfeld mehr rot ist. <i>Passend transponieren</i> neben dem Regler nimmt die
+kleinste Transposition, die alle Noten des Blattes auf die Saiten bringt, dieselbe, die der Kopf des
+Blattes vorschlägt; je weniger verschoben, desto näher bleibt das Stück seiner Tonart. Umfasst es mehr
+Töne, als die Harfe Saiten hat, sagt Lyrabo das.</li>
 <li><b>Notenschrift prüfen:</b> Auf der Seite <i>Notenschrift</i> die Schriftart der Noten wählen und
 die Zeichencodes der Noten und Pausen (mit Punkt-Zeichen für punktierte Werte) mit der Schrift vergleichen.
 Die Vorschau zeigt jedes Zeichen in der gewählten Schrift.</li>
@@ -56,6 +63,12 @@ verlängert. Das ändert nur das Blatt, nicht den Harfen-Text und nicht die Work
 <li><b>Wiederholungen zusammenfassen</b> (ein): Takte, die noch einmal gespielt werden, stehen nur einmal
 auf dem Blatt.</li>
 <li><b>Liedtext an den Noten</b> und <b>Melodielinie</b> schalten diese Teile des Blattes ein und aus.</li>
+<li><b>Begleitung</b>: weitere Spuren der Datei (etwa der Bass oder die Akkorde) ankreuzen, die Sie mit der
+anderen Hand spielen. Jede wird umgerechnet wie die gewählte Spur und steht mit kleineren, helleren Köpfen ohne
+Melodielinie auf dem Blatt; eine dünne gestrichelte Linie verbindet sie mit der Melodienote, die zugleich
+beginnt. Ihre Pausen werden nicht gezeichnet; fällt eine Begleitnote im selben Moment auf die Saite einer
+Melodienote, steht nur die Melodienote da. Die Saitenreihe oben zeigt die Saiten, die nur die Begleitung
+braucht, in einem helleren Ton. Die Auswahl gilt für die geöffnete Datei.</li>
 </ul>
 <p><i>Datei → Notenblatt als PDF speichern…</i> schreibt das Blatt als PDF-Datei,
 <i>Datei → Notenblatt als SVG speichern…</i> als Vektorgrafik für ein Zeichenprogramm oder eine Webseite:
@@ -99,7 +112,8 @@ die Titelleiste fragt nicht und speichert nichts.</p>
 <p>Steht beim Start in der Zwischenablage <tt>Create Harfe-Spur</tt>, ein Trennzeichen und der Pfad
 einer Datei mit der Endung <tt>.mid</tt>, rechnet Lyrabo Spur 1 dieser Datei ohne Rückfrage um, legt
 den Harfen-Text in die Zwischenablage und beendet sich.</p>
-)");
+)")
+        .replace(QStringLiteral("{melodieregel}"), QString::fromUtf8(kMelodieRegel));
 }
 
 frmHilfe::frmHilfe(QWidget* parent) : QDialog(parent), m_browser(new QTextBrowser(this)) {

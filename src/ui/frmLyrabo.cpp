@@ -1,6 +1,5 @@
 #include "ui/frmLyrabo.h"
 
-#include "blatt/Saiten.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
 #include "midi/EreignisListe.h"
@@ -11,6 +10,7 @@
 #include "ui/Hilfe.h"
 #include "ui/MidiAblage.h"
 #include "ui/Notenschrift.h"
+#include "ui/Steuerelemente.h"
 
 #if __has_include("ui/WiedergabeLeiste.h")
 #include "ui/WiedergabeLeiste.h"
@@ -48,42 +48,15 @@
 
 namespace lyrabo {
 
+using namespace steuer;
+
 namespace {
-
-constexpr int kSpalteBreite = 20;   // width of one string field
-constexpr int kSpalteAbstand = 3;   // gap between two string fields
-constexpr int kSpalteHoeheBass = 92;
-constexpr int kSpalteHoeheDiskant = 40;
-constexpr int kRandBreite = 12;
-constexpr int kSpaltenOben = 4;
-const QColor kOktavFarbe(150, 150, 255);
-
-// Controls of an array share their name and carry their index, as the program addresses them.
-template <typename W>
-W* element(W* w, const char* name, int index = -1) {
-    w->setObjectName(QString::fromLatin1(name));
-    if (index >= 0) w->setProperty("Index", index);
-    return w;
-}
-
-void faerben(QLabel* feld, const QColor& farbe) {
-    QPalette p = feld->palette();
-    p.setColor(QPalette::Window, farbe);
-    feld->setPalette(p);
-    feld->setAutoFillBackground(true);
-}
-
-QString ausUtf8(const std::string& s) { return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())); }
-std::string nachUtf8(const QString& s) { return s.toUtf8().toStdString(); }
 
 // The character a code stands for in the note font (the fonts use the Windows code page).
 QString zeichenVonCode(int code) {
     if (code <= 0) return {};
     return ausUtf8(cp1252ZuUtf8(std::string(1, static_cast<char>(code))));
 }
-
-// Name of the string that sounds MIDI note n, German style (g, gis, a, b, h, c', ...).
-QString saitenName(int note) { return QString::fromStdString(blatt::saitenName(note)); }
 
 // Length names for captions, longest first, as the note values are listed.
 const char* const kLaengenNamen[8] = {"1/1", "1/2p", "1/2", "1/4p", "1/4", "1/8p", "1/8", "1/16"};
@@ -170,6 +143,8 @@ void frmLyrabo::menuesAnlegen() {
     m37SaitenHarfe = element(harfe->addAction(QStringLiteral("&37-Saiten-Harfe")), "m37SaitenHarfe");
     m37SaitenHarfe->setCheckable(true);
     m37SaitenHarfe->setChecked(true);
+    mMelodieSpur = element(harfe->addAction(QStringLiteral("&Melodiespur wählen")), "mMelodieSpur");
+    mMelodieSpur->setEnabled(false);
     harfe->addSeparator();
     mCreateAbschnittsINIs = element(harfe->addAction(QStringLiteral("&Vorlagen-Abschnitte neu schneiden")),
                                     "mCreateAbschnittsINIs");
@@ -189,95 +164,11 @@ void frmLyrabo::menuesAnlegen() {
     connect(mSpeichernAlsWDB, &QAction::triggered, this, [this] { mSpeichernAlsWDB_Click(); });
     connect(mCreateAbschnittsINIs, &QAction::triggered, this, [this] { mCreateAbschnittsINIs_Click(); });
     connect(m37SaitenHarfe, &QAction::triggered, this, [this] { m37SaitenHarfe_Click(); });
+    connect(mMelodieSpur, &QAction::triggered, this, [this] { melodieSpurWaehlen(); });
     connect(mShowMIDIEvents, &QAction::triggered, this, [this](bool an) { ansichtZeigen(an); });
     connect(mInhalt, &QAction::triggered, this, [this] { m_hilfe->themaZeigen(0); });
     connect(mInfo, &QAction::triggered, this, [this] { infoAnzeigen(); });
     connect(FileExit, &QAction::triggered, this, [this] { programmBeenden(); });
-}
-
-QWidget* frmLyrabo::spurenBereichAnlegen() {
-    auto* bereich = new QWidget(this);
-    bereich->setFixedWidth(250);
-    auto* l = new QVBoxLayout(bereich);
-    l->setContentsMargins(0, 0, 0, 0);
-
-    auto* titel = new QLabel(QStringLiteral("<b>Spuren</b>"), bereich);
-    l->addWidget(titel);
-    TrackList = element(new QListWidget(bereich), "TrackList");
-    TrackList->setToolTip(QStringLiteral("Ein Klick auf eine Spur zeigt sie an und rechnet sie um."));
-    l->addWidget(TrackList, 1);
-    connect(TrackList, &QListWidget::currentRowChanged, this, [this](int) { TrackList_Click(); });
-
-    auto* daten = new QGroupBox(QStringLiteral("Datei"), bereich);
-    auto* g = new QGridLayout(daten);
-    LabelTempo = element(new QLabel(daten), "LabelTempo");
-    LabelTicks = element(new QLabel(daten), "LabelTicks");
-    LabelTimeSignature = element(new QLabel(daten), "LabelTimeSignature");
-    g->addWidget(new QLabel(QStringLiteral("Tempo (Viertel/min):"), daten), 0, 0);
-    g->addWidget(LabelTempo, 0, 1);
-    g->addWidget(new QLabel(QStringLiteral("Ticks pro Viertel:"), daten), 1, 0);
-    g->addWidget(LabelTicks, 1, 1);
-    g->addWidget(new QLabel(QStringLiteral("Taktart:"), daten), 2, 0);
-    g->addWidget(LabelTimeSignature, 2, 1);
-    l->addWidget(daten);
-
-    cmdKopieren = element(new QPushButton(QStringLiteral("In die &Zwischenablage"), bereich), "cmdKopieren");
-    cmdKopieren->setToolTip(QStringLiteral("Rechnet die gewählte Spur um und kopiert den Harfen-Text für Cantorix."));
-    connect(cmdKopieren, &QPushButton::clicked, this, [this] { cmdKopieren_Click(); });
-    l->addWidget(cmdKopieren);
-    cmdHelp = element(new QPushButton(QStringLiteral("&Hilfe"), bereich), "cmdHelp");
-    connect(cmdHelp, &QPushButton::clicked, this,
-            [this] { HilfeAnzeigen(kHilfeWegZumNotenblatt, "Cantorix-Harfe"); });
-    l->addWidget(cmdHelp);
-    return bereich;
-}
-
-QWidget* frmLyrabo::saitenAnzeigeAnlegen() {
-    auto* gruppe = new QGroupBox(QStringLiteral("Saiten der Harfe (links die tiefste, g) – kein Randfeld darf rot sein"), this);
-    auto* l = new QVBoxLayout(gruppe);
-
-    // Label 0 and the two borders exist from the start; the other 36 are laid out at start-up.
-    m_spaltenFlaeche = new QWidget(gruppe);
-    const int breite = kRandBreite + 8 + 37 * (kSpalteBreite + kSpalteAbstand) - kSpalteAbstand + 8 + kRandBreite;
-    m_spaltenFlaeche->setFixedSize(breite, kSpaltenOben + kSpalteHoeheBass + 18);
-    labSpalteBorder[0] = element(new QLabel(m_spaltenFlaeche), "labSpalteBorder", 0);
-    labSpalteBorder[0]->setGeometry(0, kSpaltenOben, kRandBreite, kSpalteHoeheBass);
-    labSpalteBorder[1] = element(new QLabel(m_spaltenFlaeche), "labSpalteBorder", 1);
-    labSpalteBorder[1]->setGeometry(breite - kRandBreite, kSpaltenOben, kRandBreite, kSpalteHoeheBass);
-    for (auto* rand : labSpalteBorder) {
-        rand->setFrameShape(QFrame::Box);
-        rand->setToolTip(QStringLiteral("Rot: das Stück reicht auf dieser Seite über die Saiten hinaus."));
-        faerben(rand, QColor(191, 191, 191));
-    }
-    labSpalte[0] = element(new QLabel(m_spaltenFlaeche), "labSpalte", 0);
-    labSpalte[0]->setGeometry(kRandBreite + 8, kSpaltenOben + kSpalteHoeheBass - kSpalteHoeheBass, kSpalteBreite,
-                              kSpalteHoeheBass);
-    labSpalte[0]->setFrameShape(QFrame::Box);
-    labSpalte[0]->setToolTip(QStringLiteral("Saite 1: %1 (MIDI-Note 55)").arg(saitenName(55)));
-    faerben(labSpalte[0], QColor(255, 255, 255));
-
-    auto* zeile = new QHBoxLayout;
-    zeile->addStretch(1);
-    zeile->addWidget(m_spaltenFlaeche);
-    zeile->addStretch(1);
-    l->addLayout(zeile);
-
-    auto* transpo = new QHBoxLayout;
-    transpo->addWidget(new QLabel(QStringLiteral("Transposition (Halbtöne):"), gruppe));
-    hsTranspo = element(new QSlider(Qt::Horizontal, gruppe), "hsTranspo");
-    hsTranspo->setRange(-36, 36);
-    hsTranspo->setPageStep(12);
-    hsTranspo->setTickInterval(12);
-    hsTranspo->setTickPosition(QSlider::TicksBelow);
-    hsTranspo->setEnabled(false);
-    transpo->addWidget(hsTranspo, 1);
-    labTranspo = element(new QLabel(QStringLiteral("0"), gruppe), "labTranspo");
-    labTranspo->setMinimumWidth(36);
-    labTranspo->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    transpo->addWidget(labTranspo);
-    l->addLayout(transpo);
-    connect(hsTranspo, &QSlider::valueChanged, this, [this](int wert) { hsTranspo_Change(wert); });
-    return gruppe;
 }
 
 QWidget* frmLyrabo::optionenAnlegen() {
@@ -577,37 +468,6 @@ void frmLyrabo::initialisieren() {
     zeichenTabellenZeigen();
 }
 
-void frmLyrabo::spaltenLabelsAnlegen() {
-    laden();
-    if (labSpalte[1]) return;
-    const int boden = kSpaltenOben + kSpalteHoeheBass;
-    for (int i = 1; i <= 36; ++i) {
-        auto* vorher = labSpalte[i - 1];
-        auto* feld = element(new QLabel(m_spaltenFlaeche), "labSpalte", i);
-        // Strings get shorter towards the treble, as on the instrument.
-        const int hoehe = kSpalteHoeheBass - (kSpalteHoeheBass - kSpalteHoeheDiskant) * i / 36;
-        feld->setGeometry(vorher->x() + vorher->width() + kSpalteAbstand, boden - hoehe, kSpalteBreite, hoehe);
-        feld->setFrameShape(QFrame::Box);
-        feld->setToolTip(QStringLiteral("Saite %1: %2 (MIDI-Note %3)").arg(i + 1).arg(saitenName(55 + i)).arg(55 + i));
-        faerben(feld, QColor(255, 255, 255));
-        feld->setVisible(true);
-        labSpalte[i] = feld;
-    }
-    for (int i : {0, 12, 24, 36}) faerben(labSpalte[i], kOktavFarbe);
-    // Names under the g and c strings help to find one's way along the row.
-    for (int i = 0; i <= 36; ++i) {
-        const int note = 55 + i;
-        if (note % 12 != 7 && note % 12 != 0) continue;
-        auto* name = new QLabel(saitenName(note), m_spaltenFlaeche);
-        name->setAlignment(Qt::AlignCenter);
-        QFont klein = name->font();
-        klein.setPointSizeF(klein.pointSizeF() * 0.8);
-        name->setFont(klein);
-        name->setGeometry(labSpalte[i]->x() - 6, boden + 1, kSpalteBreite + 12, 16);
-        name->setVisible(true);
-    }
-}
-
 void frmLyrabo::schriftenFuellen() {
     // The program's own fonts come first, so a fresh machine starts with the note font; of the
     // system's fonts the first is left out.
@@ -707,13 +567,6 @@ void frmLyrabo::DisplayTrack(int16_t spur) {
     for (const auto& zeile : DisplayTrackZeilen(m_programm.Midifile1, spur)) MessageList->addItem(ausUtf8(zeile));
 }
 
-void frmLyrabo::spaltenFaerben(const std::array<Farbe, 37>& felder, Farbe links, Farbe rechts) {
-    for (size_t i = 0; i < felder.size(); ++i)
-        if (labSpalte[i]) faerben(labSpalte[i], QColor(felder[i].r, felder[i].g, felder[i].b));
-    faerben(labSpalteBorder[0], QColor(links.r, links.g, links.b));
-    faerben(labSpalteBorder[1], QColor(rechts.r, rechts.g, rechts.b));
-}
-
 void frmLyrabo::setKlangNotenText(const std::string& text) {
     ++m_textStand;
     m_klangNotenText = text;
@@ -733,14 +586,6 @@ void frmLyrabo::setZwischenablage(const std::string& text) {
 }
 
 int16_t frmLyrabo::ausgewaehlteSpurZeile() const { return static_cast<int16_t>(TrackList->currentRow()); }
-
-void frmLyrabo::trackListeFuellen(const std::vector<std::string>& labels) {
-    m_listeWirdGefuellt = true;
-    TrackList->clear();
-    for (const auto& label : labels) TrackList->addItem(ausUtf8(label));
-    TrackList->setCurrentRow(-1);
-    m_listeWirdGefuellt = false;
-}
 
 void frmLyrabo::mischKaestchenAnlegen(int anzahl) {
     for (auto* box : chSpurMischen)
@@ -773,10 +618,12 @@ void frmLyrabo::nachDateiGeladen() {
     // A loaded file shows its sheet; the old one goes before the new track is converted.
     m_blatt->leeren();
     m_ansichten->setCurrentWidget(m_blattAnsicht);
+    melodieMarkieren();
     // The second row is preselected (the first track is often only the tempo track).
     const int zeile = TrackList->count() == 1 ? 0 : 1;
     if (zeile < TrackList->count()) TrackList->setCurrentRow(zeile);
     hsTranspo->setEnabled(true);
+    cmdPassendTransponieren->setEnabled(true);
     cmdKopieren->setEnabled(false);
     const bool vorher = m_unterdrueckung;
     m_unterdrueckung = true;
@@ -890,17 +737,6 @@ void frmLyrabo::TrackList_Click() {
     neuBerechnen();
     // A load leaves the copy button off; choosing a track is what makes copying worthwhile again.
     cmdKopieren->setEnabled(true);
-}
-
-void frmLyrabo::hsTranspo_Change(int wert) {
-    labTranspo->setText(QString::number(wert));
-    if (m_unterdrueckung) return;
-    sicher([this, wert] {
-        m_programm.Einstellungen().Transpo(static_cast<int16_t>(wert));
-        m_programm.KLNCreator().colorSpaltenLabels();
-    });
-    // No conversion: the sheet only shows the moved piece as a preview.
-    m_blatt->transpoVorschau(static_cast<int16_t>(wert));
 }
 
 void frmLyrabo::hsQuantisierung_Change(int wert) {

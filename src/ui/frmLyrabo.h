@@ -105,6 +105,8 @@ public:
     void anzeigeAktuallisieren() override;
     void DisplayTrack(int16_t spur) override;
     void spaltenFaerben(const std::array<Farbe, 37>& felder, Farbe links, Farbe rechts) override;
+    // Strings (1-based) the sheet's accompaniment uses: shown lighter where the melody does not.
+    void begleitSaitenZeigen(const std::vector<int>& saiten);
     void setKlangNotenText(const std::string& text) override;
     void setLabelTempo(const std::string& text) override;
     void setLabelTicks(const std::string& text) override;
@@ -137,10 +139,16 @@ private:
     void initialisieren();
     void anzeigeAktuallisierenIntern();
     void mischKaestchenAnlegen(int anzahl);
+    void spaltenMalen();
+    // After a load: marks the track that most likely carries the melody (the selection stays) and
+    // offers the tracks with notes as accompaniment on the sheet page.
+    void melodieMarkieren();
 
     // handlers
     void TrackList_Click();
     void hsTranspo_Change(int wert);
+    void cmdPassendTransponieren_Click();
+    void melodieSpurWaehlen();
     void hsQuantisierung_Change(int wert);
     void opKanal_Click(int index);
     void chOption_Click(QCheckBox* box);
@@ -166,6 +174,10 @@ private:
     bool m_listeWirdGefuellt = false;
     bool m_beendet = false;
     int16_t m_angezeigteSpur = 0;
+    int16_t m_melodieSpur = 0;  // the marked track, 0 for none
+    std::array<Farbe, 37> m_spaltenFarben{};  // as the engine coloured the fields
+    std::array<bool, 37> m_begleitSaiten{};
+    bool m_gefaerbt = false;                  // the engine has coloured the fields at least once
     int m_piepAnzahl = 0;
     std::string m_klangNotenText;
     NachrichtAntwort m_nachrichtAntwort;
@@ -175,6 +187,7 @@ private:
     QListWidget* TrackList = nullptr;
     QSlider* hsTranspo = nullptr;
     QLabel* labTranspo = nullptr;
+    QPushButton* cmdPassendTransponieren = nullptr;
     QSlider* hsQuantisierung = nullptr;
     QLineEdit* txtQuantisierung = nullptr;
     std::array<QRadioButton*, 3> opKanal{};
@@ -214,6 +227,7 @@ private:
     QAction* mSpeichernAlsWDB = nullptr;
     QAction* mCreateAbschnittsINIs = nullptr;
     QAction* m37SaitenHarfe = nullptr;
+    QAction* mMelodieSpur = nullptr;
     QAction* mShowMIDIEvents = nullptr;
     QAction* mInhalt = nullptr;
     QAction* mInfo = nullptr;

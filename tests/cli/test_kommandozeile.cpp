@@ -381,7 +381,8 @@ TEST_F(CliTest, InfoUndEventsZeigenWasDerKernVonDerDateiWeiss) {
     ASSERT_EQ(info.code, 0) << info.fehler;
     for (const char* zeile : {"Format: 1\nTicks pro Viertelnote: 480\nTempo: 120\nSpuren: 3\n",
                               "  Spur 2: Melodie | 26 Ereignisse | tiefster Ton 60, höchster Ton 67\n",
-                              "  Spur 3: Bass | 10 Ereignisse | tiefster Ton 48, höchster Ton 53\n",
+                              "  Spur 3: Bass | 10 Ereignisse | tiefster Ton 48, höchster Ton 53\n"
+                              "Melodie vermutlich: Spur 2 (Melodie)\n",
                               "  2. 6/8 ab Takt 3 (Tick 2880)\nTakte: 4\n"})
         EXPECT_TRUE(enthaelt(info.aus, zeile)) << info.aus;
     EXPECT_TRUE(enthaelt(lauf({"info", pfad.string(), "--spur", "1"}).aus, "Takte: 2\n"));
@@ -461,6 +462,10 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
     MidiBauer b(480);
     b.spur().name("Eins").note(0, 60, 480).aus(0, 1, 62).ende();  // a note ends that never started
     const std::string noten = midi("noten.mid", b).string();
+    MidiBauer leer(480), weit(480);
+    leer.spur().name("Leer").ende();
+    weit.spur().name("Weit").note(0, 40, 480).note(0, 90, 480).ende();
+    const std::string ohneNoten = midi("leer.mid", leer).string(), zuWeit = midi("weit.mid", weit).string();
     fs::path gesperrt = datei("gesperrt");
     fs::create_directories(gesperrt);
     fs::permissions(gesperrt, fs::perms::owner_read | fs::perms::owner_exec);
@@ -481,6 +486,10 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         {{"mix", lied_, "--spuren", "2,9", "--harfentext", h}, 2, "Die Spur 9 gibt es nicht"},
         {{"convert", lied_, "--wdb", datei("lied.doc").string(), "--harfentext", h}, 2, "Falsche Dateiendung!"},
         {{"convert", noten, "--spur", "1", "--harfentext", h}, 4, "MIDI-File ist nicht in Ordnung."},
+        {{"convert", ohneNoten, "--spur", "melodie", "--harfentext", h}, 4, "enthält Noten, also auch keine Melodie"},
+        {{"convert", zuWeit, "--transpo", "passend", "--harfentext", h}, 4, "von E bis fis''' sind es 51 Töne"},
+        {{"convert", lied_, "--begleitung", "3,9", "--pdf", pdf}, 2, "Die Spur 9 gibt es nicht"},
+        {{"convert", lied_, "--begleitung", "3", "--harfentext", h}, 2, "nur zusammen mit --pdf"},
         {{"convert", lied_, "--harfentext", (gesperrt / "h.txt").string()}, 5, ""},
         {{"convert", lied_, "--wdb", (gesperrt / "x.wdb").string()}, 5, ""},
         {{"convert", lied_, "--ausgabe", (gesperrt / "unter").string()}, 5, ""},

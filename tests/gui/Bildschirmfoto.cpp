@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QListWidget>
 #include <QPixmap>
 #include <QPushButton>
 #include <QTimer>
@@ -47,8 +48,8 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lyrabo"));
     const QString ziel = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs/fenster.png");
-    // Optionally another options page (1 to 7), "ereignisse" for the event list or "vorschau" for
-    // the print preview of the sheet.
+    // Optionally another options page (1 to 7), "ereignisse" for the event list, "vorschau" for
+    // the print preview of the sheet or "begleitung" for the sheet page with the bass ticked.
     const QString ansicht = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
 
     lyrabo::test::TestOrdner ordner;
@@ -67,6 +68,11 @@ int main(int argc, char** argv) {
 
     if (ansicht == QStringLiteral("ereignisse")) {
         fenster.findChild<QAction*>(QStringLiteral("mShowMIDIEvents"))->trigger();
+    } else if (ansicht == QStringLiteral("begleitung")) {
+        for (auto* knopf : fenster.findChildren<QPushButton*>(QStringLiteral("cmdEbene")))
+            if (knopf->property("Index").toInt() == 7) knopf->click();
+        auto* liste = fenster.findChild<QListWidget*>(QStringLiteral("listBegleitung"));
+        liste->item(liste->count() - 1)->setCheckState(Qt::Checked);
     } else if (!ansicht.isEmpty()) {
         for (auto* knopf : fenster.findChildren<QPushButton*>(QStringLiteral("cmdEbene")))
             if (knopf->property("Index").toString() == ansicht) knopf->click();

@@ -3,9 +3,12 @@
 #include "FensterUmgebung.h"
 
 #include "midi/EreignisListe.h"
+#include "ui/BlattAnsicht.h"
+#include "ui/BlattBereich.h"
 
 #include <QComboBox>
 #include <QFontDatabase>
+#include <QProcess>
 
 namespace lyrabo::test {
 namespace {
@@ -202,6 +205,69 @@ TEST(Beenden, DieTitelleisteFragtNichtsUndSpeichertNichts) {
     EXPECT_FALSE(u.fenster().isVisible());
     EXPECT_TRUE(u.nachrichten.empty());
     EXPECT_FALSE(std::filesystem::exists(u.userDaten()));
+}
+
+} // namespace
+} // namespace lyrabo::test
+
+namespace lyrabo::test {
+namespace {
+
+// The melody mark sits on the melody, not on the preselected row, and leaves the labels alone; the
+// menu entry selects it. Ticking the bass as accompaniment puts it on the sheet (lit in playback)
+// and lightens the strings only it uses; "Passend transponieren" fits both voices, the menu's PDF
+// is lyrabo-cli's with --begleitung, and a track wider than the harp gets the reason instead.
+TEST(Melodie, MarkeBegleitungUndPassendTransponieren) {
+    MidiBauer lied(480);
+    lied.spur().name("Tempo").tempo(0, 500000);
+    auto& bass = lied.spur().name("Bass");
+    for (int ton : {43, 50, 55, 47}) bass.note(0, ton, 480);
+    auto& melodie = lied.spur().name("Melodie");
+    for (int ton : {67, 69, 71, 72}) melodie.note(0, ton, 480);
+    lied.spur().name("Weit").note(0, 30, 960).note(0, 90, 960);
+    FensterUmgebung u;
+    const auto pfad = u.startenMit(lied);
+    auto* spuren = u.el<QListWidget>("TrackList");
+    EXPECT_EQ(spuren->currentRow(), 1);
+    for (int zeile = 0; zeile < spuren->count(); ++zeile) {
+        EXPECT_EQ(spuren->item(zeile)->toolTip().isEmpty(), zeile != 2) << zeile;  // only the mark explains itself
+        EXPECT_FALSE(spuren->item(zeile)->text().contains(QStringLiteral("Melodie?")));
+    }
+    EXPECT_EQ(u.el<QCheckBox>("chSpurMischen", 3)->text(), QStringLiteral("3: Melodie"));
+    u.menue("mMelodieSpur")->trigger();
+    EXPECT_EQ(spuren->currentRow(), 2);
+
+    auto* begleitung = u.el<QListWidget>("listBegleitung");
+    ASSERT_EQ(begleitung->count(), 3);  // the tempo track has no notes
+    begleitung->item(0)->setCheckState(Qt::Checked);
+    const auto& stueck = u.fenster().blattBereich().stueck();
+    EXPECT_EQ(std::count_if(stueck->noten.begin(), stueck->noten.end(), [](const auto& n) { return n.begleitung; }), 4);
+    EXPECT_EQ(u.el<QLabel>("labSpalte", 0)->palette().color(QPalette::Window), QColor(165, 215, 235));  // the bass's 55
+    u.fenster().blattBereich().wiedergabePosition(0);
+    const auto& an = u.fenster().blattBereich().ansicht().hervorgehoben();
+    for (size_t i = 0; i < stueck->noten.size(); ++i) EXPECT_EQ(an.at(i), stueck->noten[i].start == 0) << i;
+
+    auto& blatt = u.fenster().blattBereich().ansicht();
+    ASSERT_TRUE(blatt.blatt().transpoVorschlag);
+    EXPECT_EQ(blatt.blatt().vorschlag, 12);  // 43 to 72 onto the strings
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);
+    EXPECT_EQ(blatt.blatt().ausserhalb, 0);
+#ifdef LYRABO_CLI
+    const auto fenster = u.ordner() / "fenster.pdf", cli = u.ordner() / "cli.pdf";
+    u.dialogAntworten.push_back(QString::fromStdString(fenster.string()));
+    u.menue("mBlattAlsPdf")->trigger();
+    QProcess p;
+    p.start(QStringLiteral(LYRABO_CLI), {"convert", QString::fromStdString(pfad.string()), "--spur", "melodie", "--begleitung",
+                                         "2", "--transpo", "passend", "--pdf", QString::fromStdString(cli.string())});
+    ASSERT_TRUE(p.waitForFinished(60000));
+    EXPECT_TRUE(dateiLesen(fenster) == dateiLesen(cli));
+#endif
+    spuren->setCurrentRow(3);
+    u.el<QPushButton>("cmdPassendTransponieren")->click();
+    ASSERT_FALSE(u.nachrichten.empty());
+    EXPECT_TRUE(u.nachrichten.back().text.contains(QStringLiteral("mehr Töne, als die Harfe Saiten hat")));
+    EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);
 }
 
 } // namespace
