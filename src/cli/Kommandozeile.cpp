@@ -49,8 +49,8 @@ public:
 
 } // namespace
 
-CKommandozeile::CKommandozeile(fs::path programmOrdner, std::ostream& aus, std::ostream& fehler)
-    : m_ordner(std::move(programmOrdner)), m_aus(aus), m_fehler(fehler), m_programm(m_ordner, m_form, &m_form) {}
+CKommandozeile::CKommandozeile(ProgrammOrte orte, std::ostream& aus, std::ostream& fehler)
+    : m_aus(aus), m_fehler(fehler), m_programm(std::move(orte), m_form, &m_form) {}
 
 int CKommandozeile::ausfuehren(const CAufruf& aufruf) {
     m_aufruf = &aufruf;
@@ -381,7 +381,7 @@ void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef
 #ifdef LYRABO_MIT_BLATT
     const CBlattOptionen& o = m_aufruf->blatt;
     // What the window last used for this harp size, as the user settings file stands for its controls.
-    blatt::Einstellungen e = blattDatenLesen(m_ordner).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
+    blatt::Einstellungen e = blattDatenLesen(m_programm.Orte()).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
     if (o.Papier) e.papier = *o.Papier;
     if (o.Quer) e.quer = *o.Quer;
     if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;

@@ -19,7 +19,7 @@ extern const char* const kPolyphonMeldung;
 class CKommandozeile {
 public:
     // `aus` takes the reports of info and events; texts for "-" go to the process's stdout.
-    CKommandozeile(std::filesystem::path programmOrdner, std::ostream& aus, std::ostream& fehler);
+    CKommandozeile(ProgrammOrte orte, std::ostream& aus, std::ostream& fehler);
 
     // Runs the call; returns the exit code.
     int ausfuehren(const CAufruf& aufruf);
@@ -52,7 +52,6 @@ private:
     void blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur);
     void textSchreiben(const std::string& ziel, const std::string& utf8Text);
 
-    std::filesystem::path m_ordner;
     std::ostream& m_aus;
     std::ostream& m_fehler;
     CKonsolenForm m_form;
