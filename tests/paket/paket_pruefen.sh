@@ -48,7 +48,7 @@ seiten=$(pdfinfo "$tmp/arbeit/lied.pdf" | awk '/^Pages:/ {print $2}')
 desktop-file-validate "$tmp/wurzel/usr/share/applications/de.lyrabo.Lyrabo.desktop"
 appstreamcli validate --no-net "$tmp/wurzel/usr/share/metainfo/de.lyrabo.Lyrabo.metainfo.xml"
 
-lintian --no-tag-display-limit "$deb" > "$tmp/lintian" 2>&1 || true
+lintian --tag-display-limit 0 "$deb" > "$tmp/lintian" 2>&1 || true
 cat "$tmp/lintian"
 if grep -q '^E:' "$tmp/lintian"; then echo "lintian meldet Fehler"; exit 1; fi
 echo "Paket $(basename "$deb"): $(stat -c %s "$deb") Bytes, $(grep -c '^W:' "$tmp/lintian") lintian-Warnungen, $seiten PDF-Seiten"
