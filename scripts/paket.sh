@@ -4,11 +4,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/pakete.sh
+export DEB_BUILD_MAINT_OPTIONS=hardening=+all
 eval "$(dpkg-buildflags --export=sh)"
-export CXXFLAGS="$CXXFLAGS $CPPFLAGS"
 start=()
 if command -v ccache > /dev/null; then start=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
-cmake -S . -B build-paket -G Ninja -DCMAKE_BUILD_TYPE=Release -DLYRABO_TESTS=OFF -DLYRABO_BENCH=OFF "${start[@]}"
+cmake -S . -B build-paket -G Ninja -DCMAKE_BUILD_TYPE=Release -DLYRABO_TESTS=OFF -DLYRABO_BENCH=OFF "${start[@]}" \
+  -DCMAKE_CXX_FLAGS="$CXXFLAGS $CPPFLAGS" -DCMAKE_EXE_LINKER_FLAGS="$LDFLAGS"
 cmake --build build-paket -j "${JOBS:-$(nproc)}"
 rm -f build-paket/lyrabo_*.deb
 (cd build-paket && cpack -G DEB)
