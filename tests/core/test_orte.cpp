@@ -36,7 +36,6 @@ TEST(Orte, EineRegelFuerAlleDateien) {
         const auto pfad = [&](const std::string& p) { return p == "K" ? konfiguration : t / p; };
 
         const ProgrammOrte o = orteBestimmen(bin, konfiguration);
-        EXPECT_EQ(o.programm, bin);
         EXPECT_EQ(o.beilagen.lexically_normal(), pfad(f.beilagen).lexically_normal());
         EXPECT_EQ(o.benutzer, pfad(f.benutzer));
         EXPECT_EQ(o.arbeit, pfad(f.arbeit));
@@ -59,13 +58,9 @@ TEST(Zuletzt, AchtNeuesteZuerstOhneDoppelte) {
         {{"1", "2", "3", "4", "5", "6", "7", "8"}, "9", {"9", "1", "2", "3", "4", "5", "6", "7"}},
     };
     for (const auto& f : faelle) EXPECT_EQ(zuletztVorne(f.vorher, f.neu), f.nachher) << f.neu;
-    EXPECT_EQ(zuletztOhne({"a", "b", "c"}, "b"), (L{"a", "c"}));
-
+    // Written elsewhere, the file may have other line ends, empty lines and more than eight.
     TestOrdner t;
     fs::create_directories(t / "data");
-    EXPECT_TRUE(zuletztLesen(t.pfad()).empty());
-    zuletztSchreiben({"/x/ä.mid", "C:\\y.mid"}, t.pfad());
-    EXPECT_EQ(dateiLesen(t / "data" / "LYRABO_zuletzt.txt"), "/x/ä.mid\nC:\\y.mid\n");
     dateiErsetzen(t / "data" / "LYRABO_zuletzt.txt", "a\r\n\r\nb\n1\n2\n3\n4\n5\n6\n7\n");
     EXPECT_EQ(zuletztLesen(t.pfad()), (L{"a", "b", "1", "2", "3", "4", "5", "6"}));
 }
