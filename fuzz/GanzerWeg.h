@@ -68,7 +68,7 @@ inline void spurUmrechnen(CProgramm& p, StilleForm& form, int16_t spur, uint8_t 
     w.Akkorde(kln.Akkorde());
     w.KlangNoten(kln.KlangNoten());
     w.Pausen(kln.Pausen());
-    const std::filesystem::path ziel = p.ProgrammOrdner() / "fuzz.wdb";
+    const std::filesystem::path ziel = p.Orte().programm / "fuzz.wdb";
     w.write_WDB(ziel.string());
     const auto saiten = p.Einstellungen().WDBSpaltenAnzahl();
     if (std::filesystem::file_size(ziel) != (saiten == 25 ? 57343u : 80896u)) __builtin_trap();

@@ -10,6 +10,7 @@ PAKETE=(
   midicsv abcmidi libwps-tools
   poppler-utils python3-numpy python3-scipy
   xvfb xauth fonts-dejavu-core fontconfig
+  dpkg-dev desktop-file-utils appstream lintian
 )
 if [ "${1:-}" = "--fuzz" ]; then
   PAKETE+=(clang libclang-rt-14-dev)

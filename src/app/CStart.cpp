@@ -3,15 +3,15 @@
 #include "app/core/CProgramm.h"
 #include "engine/CKLNCreator.h"
 #include "settings/Takte.h"
+#include "ui/MidiAblage.h"
 #include "ui/frmLyrabo.h"
 
-#include <QCoreApplication>
-#include <QFile>
+#include <QFileInfo>
+#include <QUrl>
 
 namespace lyrabo {
 
-CStart::CStart(std::filesystem::path programmOrdner)
-    : m_fenster(std::make_unique<frmLyrabo>(std::move(programmOrdner))) {
+CStart::CStart(ProgrammOrte orte) : m_fenster(std::make_unique<frmLyrabo>(std::move(orte))) {
     initGlobals();                  // refreshes the window when the user settings were read
     m_fenster->spaltenLabelsAnlegen();  // the window's first use loads it, if the refresh did not
     m_fenster->Unterdrueckung(true);
@@ -44,13 +44,24 @@ bool CStart::automatischerLauf(const std::string& zwischenablage) {
     return true;
 }
 
-std::filesystem::path CStart::programmOrdner() {
-    const QString ordner = QCoreApplication::applicationDirPath();
-#ifdef _WIN32
-    return std::filesystem::path(ordner.toStdWString());
-#else
-    return std::filesystem::path(QFile::encodeName(ordner).toStdString());
-#endif
+bool CStart::aufrufAusfuehren(const QStringList& argumente, const std::string& zwischenablage) {
+    if (automatischerLauf(zwischenablage)) return true;
+    const QString datei = dateiAusArgumenten(argumente);
+    if (!datei.isEmpty())
+        MidiAblage::annehmen(
+            datei, [this](const QString& pfad) { m_fenster->abgelegtOeffnen(pfad); },
+            [this](const QString& text) { m_fenster->nachricht(QMessageBox::Information, text); });
+    return false;
+}
+
+QString CStart::dateiAusArgumenten(const QStringList& argumente) {
+    for (const QString& a : argumente) {
+        if (a.isEmpty() || a.startsWith(QLatin1Char('-'))) continue;
+        const QUrl url(a);
+        const QString pfad = url.isLocalFile() ? url.toLocalFile() : a;
+        return QFileInfo(pfad).absoluteFilePath();
+    }
+    return {};
 }
 
 } // namespace lyrabo

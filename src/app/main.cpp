@@ -1,5 +1,7 @@
-// The window program: start-up, then either the automatic run from the clipboard or the window.
+// The window program: start-up, then either the automatic run from the clipboard or the window,
+// with the file named on the command line opened in it.
 #include "app/CStart.h"
+#include "orte/OrteQt.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -9,7 +11,8 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Lyrabo"));
     QApplication::setApplicationVersion(QStringLiteral(LYRABO_VERSION));
 
-    lyrabo::CStart start(lyrabo::CStart::programmOrdner());
-    if (start.automatischerLauf(QGuiApplication::clipboard()->text().toStdString())) return 0;
+    lyrabo::CStart start(lyrabo::orteDesProgramms(lyrabo::exeOrdner(argc > 0 ? argv[0] : nullptr)));
+    const auto zwischenablage = QGuiApplication::clipboard()->text().toStdString();
+    if (start.aufrufAusfuehren(QCoreApplication::arguments().mid(1), zwischenablage)) return 0;
     return app.exec();
 }

@@ -53,8 +53,8 @@ public:
 
 } // namespace
 
-CKommandozeile::CKommandozeile(fs::path programmOrdner, std::ostream& aus, std::ostream& fehler)
-    : m_ordner(std::move(programmOrdner)), m_aus(aus), m_fehler(fehler), m_programm(m_ordner, m_form, &m_form) {}
+CKommandozeile::CKommandozeile(ProgrammOrte orte, std::ostream& aus, std::ostream& fehler)
+    : m_aus(aus), m_fehler(fehler), m_programm(std::move(orte), m_form, &m_form) {}
 
 int CKommandozeile::ausfuehren(const CAufruf& aufruf) {
     m_aufruf = &aufruf;
@@ -424,7 +424,7 @@ void CKommandozeile::blattSpeichern(const Ziele& z, const KlangNotenRef& noten, 
     const CBlattOptionen& o = m_aufruf->blatt;
     const std::vector<int16_t>& begleitung = o.Begleitung;
     // What the window last used for this harp size, as the user settings file stands for its controls.
-    blatt::Einstellungen e = blattDatenLesen(m_ordner).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
+    blatt::Einstellungen e = blattDatenLesen(m_programm.Orte()).fuer(m_programm.Einstellungen().WDBSpaltenAnzahl());
     if (o.Papier) e.papier = *o.Papier;
     if (o.Quer) e.quer = *o.Quer;
     if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;

@@ -19,7 +19,7 @@ extern const char* const kPolyphonMeldung;
 class CKommandozeile {
 public:
     // `aus` takes the reports of info and events; texts for "-" go to the process's stdout.
-    CKommandozeile(std::filesystem::path programmOrdner, std::ostream& aus, std::ostream& fehler);
+    CKommandozeile(ProgrammOrte orte, std::ostream& aus, std::ostream& fehler);
 
     // Runs the call; returns the exit code.
     int ausfuehren(const CAufruf& aufruf);
@@ -58,7 +58,6 @@ private:
     // UmsetzungFehler when none fits.
     bool transpoPassend(const KlangNotenRef& noten, int16_t spur);
 
-    std::filesystem::path m_ordner;
     std::ostream& m_aus;
     std::ostream& m_fehler;
     CKonsolenForm m_form;

@@ -1,7 +1,6 @@
 // lyrabo-cli: the converter without a window, for batch work and scripts.
 #include "cli/Aufruf.h"
 #include "cli/Kommandozeile.h"
-#include "cli/ProgrammOrdner.h"
 
 #include <iostream>
 #include <memory>
@@ -10,6 +9,9 @@
 
 #ifdef LYRABO_MIT_BLATT
 #include <QGuiApplication>
+#endif
+#ifdef LYRABO_MIT_ORTEN
+#include "orte/OrteQt.h"
 #endif
 
 #ifdef _WIN32
@@ -53,7 +55,12 @@ int main(int argc, char** argv) {
     }
 #endif
     try {
-        CKommandozeile kommandozeile(programmOrdner(argc > 0 ? argv[0] : nullptr), std::cout, std::cerr);
+        const auto programm = lyrabo::exeOrdner(argc > 0 ? argv[0] : nullptr);
+#ifdef LYRABO_MIT_ORTEN
+        CKommandozeile kommandozeile(lyrabo::orteDesProgramms(programm), std::cout, std::cerr);
+#else
+        CKommandozeile kommandozeile(lyrabo::orteBestimmen(programm, {}), std::cout, std::cerr);
+#endif
         return kommandozeile.ausfuehren(aufruf);
     } catch (const std::exception&) {
         // A library's English text means nothing to the user.

@@ -301,9 +301,9 @@ void CWDBCreator::write_WDB(const std::string& fileName) {
     zustandZuruecksetzen();
     const int16_t spalten = m_programm.Einstellungen().WDBSpaltenAnzahl();
     const std::string n = StrTrim(spalten);
-    const fs::path ini = m_programm.ProgrammOrdner() / "ini";
+    const fs::path ini = m_programm.Orte().beilagen / "ini";
     const fs::path rasterLeer = ini / ("FelderAll_" + n + ".ini");
-    const fs::path rasterTemp = ini / ("FelderAllTemp_" + n + ".ini");
+    const fs::path rasterTemp = m_programm.Orte().arbeit / ("FelderAllTemp_" + n + ".ini");
 
     std::error_code ec;
     fs::remove(rasterTemp, ec);

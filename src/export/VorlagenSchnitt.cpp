@@ -112,7 +112,7 @@ void CWDBCreator::writeINIDateien25() {
     const std::string n = StrTrim(m_programm.Einstellungen().WDBSpaltenAnzahl());
     const Schnitt s = schnittListe({"Header_", "Felder01_", "Schriften_", "Felder02_", "Footer_", "FelderAll_"}, n,
                                    {0, 3682, 6144, 10240, 56778}, {3681, 6143, 10239, 56777, 57343});
-    schneiden(m_programm.ProgrammOrdner() / "ini", n, s,
+    schneiden(m_programm.Orte().beilagen / "ini", n, s,
               {"Header_25", "Felder01_25", "Schriften_25", "Felder02_25", "Footer_25", "FelderAll_25"});
 }
 
@@ -121,7 +121,7 @@ void CWDBCreator::writeINIDateien37() {
     const Schnitt s = schnittListe(
         {"Header_", "Felder01_", "Schriften_", "Felder02_", "Break01_", "Felder03_", "Footer_", "FelderAll_"}, n,
         {0, 5627, 6144, 10240, 66048, 66560, 80165}, {5626, 6143, 10239, 66047, 66559, 80164, 80895});
-    schneiden(m_programm.ProgrammOrdner() / "ini", n, s,
+    schneiden(m_programm.Orte().beilagen / "ini", n, s,
               {"Header_37", "Felder01_37", "Schriften_37", "Felder02_37", "Break01_37", "Felder03_37", "Footer_37",
                "FelderAll_37"});
 }

@@ -225,7 +225,7 @@ bool CKLNCreator::openDialog_MIDIFile(int16_t mode) {
         e.InitDir(ordner);
         m_programm.AktuellesInitDir = ordner;
         try {
-            UserDatenSchreiben(e, m_programm.AktuellesInitDir, m_programm.ProgrammOrdner());
+            UserDatenSchreiben(e, m_programm.AktuellesInitDir, m_programm.Orte());
         } catch (const DateiFehler& f) {
             // The choice of folder is lost for the next start, the file still opens.
             (m_form ? *m_form : m_programm.Form()).meldung(f.what());

@@ -88,7 +88,7 @@ bool wertSetzen(blatt::Einstellungen& e, const std::string& schluessel, const st
 
 } // namespace
 
-fs::path blattDatenPfad(const fs::path& programmOrdner) { return programmOrdner / "data" / "LYRABO_blatt.ini"; }
+fs::path blattDatenPfad(const ProgrammOrte& orte) { return orte.benutzer / "LYRABO_blatt.ini"; }
 
 std::string blattDatenText(const BlattDaten& daten) {
     std::ostringstream aus;
@@ -124,17 +124,17 @@ std::optional<BlattDaten> blattDatenAusText(const std::string& text) {
     return daten;
 }
 
-BlattDaten blattDatenLesen(const fs::path& programmOrdner) {
+BlattDaten blattDatenLesen(const ProgrammOrte& orte) {
     try {
-        if (auto daten = blattDatenAusText(dateiLesen(blattDatenPfad(programmOrdner)))) return *daten;
+        if (auto daten = blattDatenAusText(dateiLesen(blattDatenPfad(orte)))) return *daten;
     } catch (const Fehler&) {
         // Missing or unreadable: the defaults, as on the first start.
     }
     return {};
 }
 
-void blattDatenSchreiben(const BlattDaten& daten, const fs::path& programmOrdner) {
-    dateiErsetzen(blattDatenPfad(programmOrdner), blattDatenText(daten));
+void blattDatenSchreiben(const BlattDaten& daten, const ProgrammOrte& orte) {
+    dateiErsetzen(blattDatenPfad(orte), blattDatenText(daten));
 }
 
 } // namespace lyrabo

@@ -13,7 +13,7 @@ namespace lyrabo {
 
 namespace fs = std::filesystem;
 
-fs::path userDatenPfad(const fs::path& programmOrdner) { return programmOrdner / "data" / "LYRABO_user.ini"; }
+fs::path userDatenPfad(const ProgrammOrte& orte) { return orte.benutzer / "LYRABO_user.ini"; }
 
 namespace {
 
@@ -86,12 +86,12 @@ bool alsBoolean(const std::string& feld, bool zitiert, bool& wert) {
 
 } // namespace
 
-bool UserDatenLesen(CEinstellungen& e, std::string& aktuellesInitDir, const fs::path& programmOrdner) {
+bool UserDatenLesen(CEinstellungen& e, std::string& aktuellesInitDir, const ProgrammOrte& orte) {
     auto fehlschlag = [&] {
-        e.InitDir(programmOrdner.string());
+        e.InitDir(orte.programm.string());
         return false;
     };
-    std::ifstream in(userDatenPfad(programmOrdner), std::ios::binary);
+    std::ifstream in(userDatenPfad(orte), std::ios::binary);
     if (!in) return fehlschlag();
     std::stringstream ss;
     ss << in.rdbuf();
@@ -115,7 +115,7 @@ bool UserDatenLesen(CEinstellungen& e, std::string& aktuellesInitDir, const fs::
     return true;
 }
 
-void UserDatenSchreiben(const CEinstellungen& e, const std::string& aktuellesInitDir, const fs::path& programmOrdner) {
+void UserDatenSchreiben(const CEinstellungen& e, const std::string& aktuellesInitDir, const ProgrammOrte& orte) {
     auto b = [](bool v) { return v ? std::string("#TRUE#") : std::string("#FALSE#"); };
     std::string ordner = aktuellesInitDir.empty() ? e.InitDir() : aktuellesInitDir;
     std::string text;
@@ -125,7 +125,7 @@ void UserDatenSchreiben(const CEinstellungen& e, const std::string& aktuellesIni
     text += "\"PausenLetzterTakt = \"," + b(e.PausenLetzterTakt()) + "\r\n";
     text += "\"PunktiertePausen = \"," + b(e.PunktiertePausen()) + "\r\n";
     try {
-        dateiErsetzen(userDatenPfad(programmOrdner), utf8ZuCp1252(text));
+        dateiErsetzen(userDatenPfad(orte), utf8ZuCp1252(text));
     } catch (const DateiFehler& f) {
         throw DateiFehler(std::string("User-Daten konnten nicht gespeichert werden.\n") + f.what());
     }

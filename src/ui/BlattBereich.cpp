@@ -57,7 +57,7 @@ QString mm(double wert) { return QString::number(wert, 'f', 0); }
 
 BlattBereich::BlattBereich(frmLyrabo& fenster, CProgramm& programm)
     : QObject(&fenster), m_fenster(fenster), m_programm(programm),
-      m_daten(blattDatenLesen(programm.ProgrammOrdner())) {}
+      m_daten(blattDatenLesen(programm.Orte())) {}
 
 BlattBereich::~BlattBereich() = default;
 
@@ -380,7 +380,7 @@ void BlattBereich::optionGeaendert() {
     e.melodieLinie = chMelodieLinie->isChecked();
     e = blatt::begrenzt(e);
     try {
-        blattDatenSchreiben(m_daten, m_programm.ProgrammOrdner());
+        blattDatenSchreiben(m_daten, m_programm.Orte());
     } catch (const Fehler&) {
         status(QStringLiteral("Die Notenblatt-Einstellungen konnten nicht gespeichert werden; sie gelten bis zum Beenden."));
     }
@@ -442,7 +442,7 @@ void BlattBereich::speichern(bool svg) {
     }
     m_daten.pdfOrdner = ausPfad(ziel.parent_path()).toStdString();
     try {
-        blattDatenSchreiben(m_daten, m_programm.ProgrammOrdner());
+        blattDatenSchreiben(m_daten, m_programm.Orte());
     } catch (const Fehler&) {
         // The sheet is saved; only the folder is not remembered for next time.
     }

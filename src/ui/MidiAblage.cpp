@@ -40,12 +40,17 @@ bool MidiAblage::eventFilter(QObject* ziel, QEvent* ereignis) {
     const QString pfad = ersteDatei(ablage->mimeData());
     if (pfad.isEmpty()) return false;
     ablage->acceptProposedAction();
+    annehmen(pfad, m_oeffnen, m_meldung);
+    return true;
+}
+
+void MidiAblage::annehmen(const QString& pfad, const std::function<void(const QString&)>& oeffnen,
+                          const std::function<void(const QString&)>& meldung) {
     // The file dialog's filter, as FileOpen offers it.
     if (QFileInfo(pfad).suffix().compare(QStringLiteral("mid"), Qt::CaseInsensitive) == 0)
-        m_oeffnen(pfad);
+        oeffnen(pfad);
     else
-        m_meldung(keineMidiDatei(QFileInfo(pfad).fileName()));
-    return true;
+        meldung(keineMidiDatei(QFileInfo(pfad).fileName()));
 }
 
 } // namespace lyrabo

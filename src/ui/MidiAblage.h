@@ -1,5 +1,6 @@
 #pragma once
-// Files dragged onto the main window: a MIDI file opens, anything else gets a German message.
+// Files dragged onto the main window or named when starting it: a MIDI file opens, anything else
+// gets a German message.
 #include <QObject>
 #include <QString>
 
@@ -14,6 +15,9 @@ public:
 
     // The message for a dropped file that is not a MIDI file.
     static QString keineMidiDatei(const QString& name);
+    // A file handed over by a drop or on the command line: a MIDI file is opened, any other told why not.
+    static void annehmen(const QString& pfad, const std::function<void(const QString&)>& oeffnen,
+                         const std::function<void(const QString&)>& meldung);
 
 protected:
     bool eventFilter(QObject* ziel, QEvent* ereignis) override;

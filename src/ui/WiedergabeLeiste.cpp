@@ -19,7 +19,7 @@ namespace lyrabo {
 WiedergabeLeiste::WiedergabeLeiste(CProgramm& programm, QListWidget* trackList, QLabel* labelTempo, QWidget* parent,
                                    std::unique_ptr<IGeraeteListe> geraete)
     : QWidget(parent), m_programm(programm), m_trackList(trackList), m_labelTempo(labelTempo) {
-    if (!geraete) geraete = std::make_unique<CSystemGeraete>(programm.ProgrammOrdner());
+    if (!geraete) geraete = std::make_unique<CSystemGeraete>(programm.Orte().beilagen);
     m_midiOutput = std::make_unique<CMIDIOutput>(std::move(geraete));
 
     OutputDevCombo = new QComboBox(this);

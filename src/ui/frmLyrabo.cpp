@@ -11,6 +11,7 @@
 #include "ui/MidiAblage.h"
 #include "ui/Notenschrift.h"
 #include "ui/Steuerelemente.h"
+#include "ui/ZuletztMenue.h"
 
 #if __has_include("ui/WiedergabeLeiste.h")
 #include "ui/WiedergabeLeiste.h"
@@ -63,26 +64,9 @@ const char* const kLaengenNamen[8] = {"1/1", "1/2p", "1/2", "1/4p", "1/4", "1/8p
 
 } // namespace
 
-QString dialogFilterFuerQt(const std::string& filter) {
-    const QStringList teile = ausUtf8(filter).split(QLatin1Char('|'));
-    QStringList eintraege;
-    for (qsizetype i = 0; i + 1 < teile.size(); i += 2) {
-        const QString& text = teile[i];
-        QString muster = teile[i + 1];
-        muster.replace(QLatin1Char(';'), QLatin1Char(' '));
-        if (text.endsWith(QLatin1Char('(') + teile[i + 1] + QLatin1Char(')')) && !teile[i + 1].contains(QLatin1Char(';')))
-            eintraege << text;
-        else
-            eintraege << text.trimmed() + QStringLiteral(" (") + muster + QLatin1Char(')');
-    }
-    if (eintraege.isEmpty() && !filter.empty()) eintraege << ausUtf8(filter);
-    return eintraege.join(QStringLiteral(";;"));
-}
-
-frmLyrabo::frmLyrabo(std::filesystem::path programmOrdner, QWidget* parent)
-    : QMainWindow(parent), m_programm(std::move(programmOrdner), *this, this) {
+frmLyrabo::frmLyrabo(ProgrammOrte orte, QWidget* parent)
+    : QMainWindow(parent), m_programm(std::move(orte), *this, this) {
     setObjectName(QStringLiteral("frmLyrabo"));
-    setWindowTitle(QStringLiteral("Lyrabo – MIDI-Datei zum Harfen-Notenblatt"));
 
     m_blatt = new BlattBereich(*this, m_programm);
     menuesAnlegen();
@@ -127,6 +111,8 @@ void frmLyrabo::menuesAnlegen() {
     auto* datei = menuBar()->addMenu(QStringLiteral("&Datei"));
     FileOpen = element(datei->addAction(QStringLiteral("MIDI-Datei &öffnen…")), "FileOpen");
     FileOpen->setShortcut(QKeySequence::Open);
+    m_zuletzt = new ZuletztMenue(*this, m_programm, datei, [this](const QString& pfad) { abgelegtOeffnen(pfad); },
+                                 [this](const QString& text) { nachricht(QMessageBox::Information, text); });
     mSpeichernAlsWDB = element(datei->addAction(QStringLiteral("Als &Works-Datenbank speichern…")), "mSpeichernAlsWDB");
     mSpeichernAlsWDB->setShortcut(QKeySequence::Save);
     datei->addSeparator();
@@ -152,7 +138,7 @@ void frmLyrabo::menuesAnlegen() {
     auto* mNotenschriftInstallieren = element(
         harfe->addAction(QStringLiteral("&Notenschrift für andere Programme installieren")), "mNotenschriftInstallieren");
     connect(mNotenschriftInstallieren, &QAction::triggered, this, [this] {
-        sicher([this] { meldung(nachUtf8(notenschriftInstallieren(m_programm.ProgrammOrdner()))); });
+        sicher([this] { meldung(nachUtf8(notenschriftInstallieren(m_programm.Orte().beilagen))); });
     });
 
     auto* hilfe = menuBar()->addMenu(QStringLiteral("&Hilfe"));
@@ -471,7 +457,7 @@ void frmLyrabo::initialisieren() {
 void frmLyrabo::schriftenFuellen() {
     // The program's own fonts come first, so a fresh machine starts with the note font; of the
     // system's fonts the first is left out.
-    const QStringList eigene = eigeneSchriftenRegistrieren(m_programm.ProgrammOrdner());
+    const QStringList eigene = eigeneSchriftenRegistrieren(m_programm.Orte().beilagen);
     comboFontname->clear();
     comboFontname->addItems(schriftenListe(eigene, QFontDatabase::families()));
     if (comboFontname->count() == 0) return;
@@ -885,8 +871,10 @@ void frmLyrabo::MessageList_Click() {
 }
 
 void frmLyrabo::FileOpen_Click() {
-    const bool gut = sicher([this] { m_programm.openMIDIFile(1); });
+    bool geladen = false;
+    const bool gut = sicher([&] { geladen = m_programm.openMIDIFile(1); });
     if (!gut) nachFehlgeschlagenemLaden();
+    m_zuletzt->nachDemOeffnen(geladen);
 }
 
 void frmLyrabo::nachFehlgeschlagenemLaden() {
@@ -956,7 +944,7 @@ bool frmLyrabo::programmBeenden() {
         if (antwort != QMessageBox::Yes && antwort != QMessageBox::No) return false;
         if (antwort == QMessageBox::Yes) {
             const bool gespeichert = sicher([this] {
-                UserDatenSchreiben(m_programm.Einstellungen(), m_programm.AktuellesInitDir, m_programm.ProgrammOrdner());
+                UserDatenSchreiben(m_programm.Einstellungen(), m_programm.AktuellesInitDir, m_programm.Orte());
             });
             if (!gespeichert) return false;  // the user wanted them kept: stay so nothing is lost
         }

@@ -4,6 +4,7 @@
 // its work to the core and turns any error into a German message box, so the window keeps running.
 #include "app/core/CProgramm.h"
 #include "app/core/Oberflaeche.h"
+#include "ui/DialogFilter.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
@@ -37,15 +38,13 @@ namespace lyrabo {
 class BlattBereich;
 class frmHilfe;
 class frmInfo;
-
-// "desc|pattern|desc|pattern" as the program writes its filters, in the form Qt's dialogs take.
-QString dialogFilterFuerQt(const std::string& filter);
+class ZuletztMenue;
 
 class frmLyrabo : public QMainWindow, public IForm, public IDialog {
     Q_OBJECT
 
 public:
-    explicit frmLyrabo(std::filesystem::path programmOrdner, QWidget* parent = nullptr);
+    explicit frmLyrabo(ProgrammOrte orte, QWidget* parent = nullptr);
     ~frmLyrabo() override;
 
     CProgramm& programm() { return m_programm; }
@@ -245,6 +244,7 @@ private:
     int m_textStand = 0;                // counts harp-event texts: a conversion that ran to its end
     frmHilfe* m_hilfe = nullptr;
     frmInfo* m_info = nullptr;
+    ZuletztMenue* m_zuletzt = nullptr;
 };
 
 } // namespace lyrabo

@@ -59,8 +59,9 @@ public:
         fs::copy(fs::path(LYRABO_BIN_DIR) / "data" / "schriften", m_ordner / "data" / "schriften", fs::copy_options::recursive);
     }
 
-    void starten() {
-        m_start = std::make_unique<CStart>(m_ordner.pfad());
+    void starten() { starten(m_ordner.pfad()); }
+    void starten(const ProgrammOrte& orte) {
+        m_start = std::make_unique<CStart>(orte);
         fenster().setNachrichtAntwort([this](QMessageBox::Icon icon, const QString& text, QMessageBox::StandardButtons k) {
             nachrichten.push_back({icon, text, k});
             return (k & (QMessageBox::Cancel | QMessageBox::No)) ? frageAntwort : QMessageBox::Ok;

@@ -6,8 +6,8 @@
 
 namespace lyrabo {
 
-CProgramm::CProgramm(std::filesystem::path programmOrdner, IForm& form, IDialog* dialog)
-    : m_ordner(std::move(programmOrdner)), m_form(form), m_dialog(dialog) {}
+CProgramm::CProgramm(ProgrammOrte orte, IForm& form, IDialog* dialog)
+    : m_orte(std::move(orte)), m_form(form), m_dialog(dialog) {}
 
 CProgramm::~CProgramm() = default;
 
@@ -24,7 +24,7 @@ bool CProgramm::initGlobals() {
     KlangNotenMix = neueSammlung<CKlangNote>();
     fillFontNotenColl(*FontNoten);
     fillFontPausenColl(*FontPausen);
-    bool gelesen = UserDatenLesen(*m_einstellungen, AktuellesInitDir, m_ordner);
+    bool gelesen = UserDatenLesen(*m_einstellungen, AktuellesInitDir, m_orte);
     if (gelesen) m_form.anzeigeAktuallisieren();
     return gelesen;
 }

@@ -7,6 +7,7 @@
 #include "model/Records.h"
 #include "settings/CDreiZeichen.h"
 #include "settings/CEinstellungen.h"
+#include "settings/ProgrammOrte.h"
 
 #include <array>
 #include <filesystem>
@@ -20,14 +21,15 @@ class CWDBCreator;
 
 class CProgramm {
 public:
-    CProgramm(std::filesystem::path programmOrdner, IForm& form, IDialog* dialog = nullptr);
+    CProgramm(ProgrammOrte orte, IForm& form, IDialog* dialog = nullptr);
     ~CProgramm();
 
     // Creates writer, engine and settings anew, the seven collections, both font tables, and reads
     // the user settings file. Returns true when the user settings file was read completely.
     bool initGlobals();
 
-    const std::filesystem::path& ProgrammOrdner() const { return m_ordner; }
+    // The program's folder, its shipped files and the user's files.
+    const ProgrammOrte& Orte() const { return m_orte; }
     IForm& Form() { return m_form; }
     IDialog* Dialog() { return m_dialog; }
 
@@ -81,7 +83,7 @@ public:
     void neuBerechnen();
 
 private:
-    std::filesystem::path m_ordner;
+    ProgrammOrte m_orte;
     IForm& m_form;
     IDialog* m_dialog;
     std::unique_ptr<CEinstellungen> m_einstellungen;

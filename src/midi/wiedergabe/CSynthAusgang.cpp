@@ -23,6 +23,8 @@ std::filesystem::path soundfontSuchen(const std::filesystem::path& programmOrdne
         programmOrdner / kSoundfontName,
         programmOrdner / "data" / kSoundfontName,
         std::filesystem::path("/usr/share/sounds/sf2") / kSoundfontName,
+        // Debian's choice among the installed General MIDI sound fonts (timgm6mb or fluid).
+        std::filesystem::path("/usr/share/sounds/sf2/default-GM.sf2"),
     };
     for (const auto& p : kandidaten) {
         std::error_code ec;
