@@ -122,9 +122,9 @@ std::vector<Kandidat> kandidatenSuchen(const Inhalte& in, const std::vector<int6
             if (gleich >= l) {
                 const int mal = 1 + gleich / l;
                 if ((l >= 2 || mal >= 3) && mitNoten(p, p + l)) k.push_back({p, l, mal, 0});
-            } else if (gleich >= 2 && gleich >= l - 2) {
-                // First and second endings. What sounds on past the first ending would be drawn
-                // running into the second.
+            } else if (gleich >= l - 2 && gleich >= 2 * (l - gleich)) {
+                // First and second endings of a bar or two, after a run at least twice as long.
+                // What sounds on past the first ending would be drawn running into the second.
                 const int x = gleich;
                 const int64_t ende1 = a[size_t(p + l)];
                 bool frei = true;
