@@ -101,11 +101,12 @@ Inhalte inhalteVergleichen(const Stueck& st, const std::vector<int64_t>& a, bool
 }
 
 // A fold found in the bars of the piece: bars p.. played `mal` times, `laenge` bars each; or with
-// endings, X plus the first ending (`laenge` bars) followed by X plus the second ending.
+// endings, X plus the first ending (`laenge` bars together) followed by X plus the second ending,
+// which has no bars when the piece ends after X.
 struct Kandidat {
-    int p, laenge, mal, endung;
+    int p, laenge, mal, endung = 0, zweite = 0;
     int ersparnis() const { return endung ? laenge - endung : (mal - 1) * laenge; }
-    int bis() const { return p + (endung ? 2 : mal) * laenge; }
+    int bis() const { return endung ? p + 2 * laenge - endung + zweite : p + mal * laenge; }
 };
 
 std::vector<Kandidat> kandidatenSuchen(const Inhalte& in, const std::vector<int64_t>& a) {
@@ -129,8 +130,17 @@ std::vector<Kandidat> kandidatenSuchen(const Inhalte& in, const std::vector<int6
                 const int64_t ende1 = a[size_t(p + l)];
                 bool frei = true;
                 for (int t = p + x; t < p + l; ++t) frei = frei && in.reichtBis[size_t(t)] <= ende1;
-                if (frei && mitNoten(p, p + x)) k.push_back({p, l, 2, l - x});
+                if (frei && mitNoten(p, p + x)) k.push_back({p, l, 2, l - x, l - x});
             }
+        }
+        // The piece ends with X played again, without the first ending's bars (often a bar of rests
+        // before the repeat, which the last pass leaves out).
+        for (int m = 1; m <= 2; ++m) {
+            const int x = l - m, p = n - l - x;
+            if (p < 0 || x < 2 * m || lauf[size_t(p)] < x || !mitNoten(p, p + x)) continue;
+            bool frei = true;
+            for (int t = p + x; t < p + l; ++t) frei = frei && in.reichtBis[size_t(t)] <= a[size_t(p + l)];
+            if (frei) k.push_back({p, l, 2, m, 0});
         }
     }
     return k;
@@ -186,7 +196,7 @@ std::vector<int> Faltung::gespielteTakte(int w) const {
     if (r == wiederholungen.begin() || w >= std::prev(r)->ende) return {t};
     const Wiederholung& wh = *std::prev(r);
     const int laenge = wh.endeZeichen() - wh.anfang;
-    if (wh.endung && w >= wh.anfang + laenge - wh.endung) return {t}; // an ending is played once
+    if (w >= wh.endeZeichen() - wh.ersteKlammer) return {t}; // an ending is played once
     std::vector<int> g;
     for (int m = 0; m < wh.mal; ++m) g.push_back(t + m * laenge);
     return g;
@@ -211,12 +221,13 @@ Faltung wiederholungenFinden(const Stueck& st, bool mitTexten) {
         Wiederholung wh;
         wh.anfang = int(f.takte.size());
         wh.mal = c.mal;
-        wh.endung = c.endung;
+        wh.ersteKlammer = c.endung;
+        wh.zweiteKlammer = c.zweite;
         for (int i = 0; i < c.laenge; ++i) schreiben(c.p + i);
         const int x = c.laenge - c.endung; // bars played again from the written ones
         for (int m = 1; m < c.mal; ++m)
             for (int i = 0; i < x; ++i) f.gespieltVon[size_t(c.p + m * c.laenge + i)] = wh.anfang + i;
-        for (int i = 0; i < c.endung; ++i) schreiben(c.p + c.laenge + x + i);
+        for (int i = 0; i < c.zweite; ++i) schreiben(c.p + c.laenge + x + i);
         wh.ende = int(f.takte.size());
         f.wiederholungen.push_back(wh);
         t = c.bis();
@@ -237,11 +248,10 @@ std::vector<int> spielfolge(const Faltung& f) {
     int w = 0;
     for (const auto& wh : f.wiederholungen) {
         spielen(w, wh.anfang);
-        if (wh.endung) {
-            const int x = wh.ende - 2 * wh.endung; // where the first ending starts
-            spielen(wh.anfang, x + wh.endung);
-            spielen(wh.anfang, x);
-            spielen(x + wh.endung, wh.ende);
+        if (wh.ersteKlammer) {
+            spielen(wh.anfang, wh.endeZeichen());
+            spielen(wh.anfang, wh.endeZeichen() - wh.ersteKlammer);
+            spielen(wh.endeZeichen(), wh.ende);
         } else {
             for (int m = 0; m < wh.mal; ++m) spielen(wh.anfang, wh.ende);
         }

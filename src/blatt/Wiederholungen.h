@@ -10,15 +10,17 @@
 namespace lyrabo::blatt {
 
 // One repeat, in written bars: from `anfang` up to (not including) `ende`, played `mal` times.
-// With endings (`endung` bars each) the run is X, first ending, second ending: X and the first
-// ending are played, then X again and the second ending; the end sign stands after the first ending.
+// With endings the run is X, the first ending (`ersteKlammer` bars), the second ending
+// (`zweiteKlammer` bars): X and the first ending are played, then X again and the second ending.
+// The end sign stands after the first ending. A second ending of no bars: the piece ends after X.
 struct Wiederholung {
     int anfang = 0;
     int ende = 0;
     int mal = 2;
-    int endung = 0; // 0: no endings; else 1 or 2 bars per ending (then mal is 2)
+    int ersteKlammer = 0; // 0: no endings; else 1 or 2 bars (then mal is 2)
+    int zweiteKlammer = 0;
 
-    int endeZeichen() const { return endung ? ende - endung : ende; } // the written bar the end sign follows
+    int endeZeichen() const { return ende - zweiteKlammer; } // the end sign follows the bar before this one
 };
 
 struct Faltung {

@@ -64,7 +64,8 @@ TEST(WiederholungLieder, AusgeklapptWiederDasUmgesetzteStueck) {
             std::cout << name << ": " << f.gespieltVon.size() << " Takte, geschrieben " << f.takte.size();
             for (const auto& w : f.wiederholungen)
                 std::cout << "  |: " << f.takte[size_t(w.anfang)] + 1 << " bis " << f.takte[size_t(w.endeZeichen()) - 1] + 1
-                          << " :|" << (w.endung ? " mit Klammern über " + std::to_string(w.endung) : " " + std::to_string(w.mal) + "×");
+                          << " :|" << (w.ersteKlammer ? " mit Klammern " + std::to_string(w.ersteKlammer) + "/" + std::to_string(w.zweiteKlammer)
+                                            : " " + std::to_string(w.mal) + "×");
             std::cout << "\n";
         }
     }

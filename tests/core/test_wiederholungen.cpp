@@ -57,7 +57,7 @@ std::string geschriebeneTakte(const std::string& takte, const Faltung& f) {
 
 TEST(Wiederholungen, WieEinMusikerSieSchreibt) {
     struct W {
-        int anfang, ende, mal, endung;
+        int anfang, ende, mal, erste = 0, zweite = 0;
     };
     struct Fall {
         const char* was;
@@ -67,26 +67,27 @@ TEST(Wiederholungen, WieEinMusikerSieSchreibt) {
         const char* geschrieben;
         std::vector<W> wiederholungen;
     } faelle[] = {
-        {"AABB", "ABCDABCDBECABECA", "", true, "ABCDBECA", {{0, 4, 2, 0}, {4, 8, 2, 0}}},
-        {"dreimal gespielt", "ABCABCABCD", "", true, "ABCD", {{0, 3, 3, 0}}},
-        {"erste und zweite Klammer", "ABCDABCE", "", true, "ABCDE", {{0, 5, 2, 1}}},
-        {"Klammern über zwei Takte", "ABCEDCABCEBA", "", true, "ABCEDCBA", {{0, 8, 2, 2}}},
+        {"AABB", "ABCDABCDBECABECA", "", true, "ABCDBECA", {{0, 4, 2}, {4, 8, 2}}},
+        {"dreimal gespielt", "ABCABCABCD", "", true, "ABCD", {{0, 3, 3}}},
+        {"erste und zweite Klammer", "ABCDABCE", "", true, "ABCDE", {{0, 5, 2, 1, 1}}},
+        {"Klammern über zwei Takte", "ABCEDCABCEBA", "", true, "ABCEDCBA", {{0, 8, 2, 2, 2}}},
         {"Klammern so lang wie der Lauf", "ABCDABEA", "", true, "ABCDABEA", {}},
         {"eine Note anders lang", "ABCDAbCD", "", true, "ABCDAbCD", {}},
         {"nur der Text anders, Texte gezeigt", "ABCDABCD", "11112222", true, "ABCDABCD", {}},
-        {"nur der Text anders, ohne Texte", "ABCDABCD", "11112222", false, "ABCD", {{0, 4, 2, 0}}},
-        {"gleicher Text", "ABCDABCD", "11111111", true, "ABCD", {{0, 4, 2, 0}}},
-        {"über einen Taktwechsel", "ATBATBC", "", true, "ATBC", {{0, 3, 2, 0}}},
+        {"nur der Text anders, ohne Texte", "ABCDABCD", "11112222", false, "ABCD", {{0, 4, 2}}},
+        {"gleicher Text", "ABCDABCD", "11111111", true, "ABCD", {{0, 4, 2}}},
+        {"über einen Taktwechsel", "ATBATBC", "", true, "ATBC", {{0, 3, 2}}},
         {"gleiche Noten, andere Taktart", "ABCDAZCD", "", true, "ABCDAZCD", {}},
-        {"am Ende des Stücks", "EDCABCAB", "", true, "EDCAB", {{2, 5, 2, 0}}},
+        {"am Ende des Stücks", "EDCABCAB", "", true, "EDCAB", {{2, 5, 2}}},
+        {"am Ende ohne die erste Klammer", "ECABCDABC", "", true, "ECABCD", {{2, 6, 2, 1, 0}}},
         {"ohne Wiederholung", "ABCDEDCB", "", true, "ABCDEDCB", {}},
         {"ein Takt zweimal ist keine", "AABC", "", true, "AABC", {}},
-        {"ein Takt viermal", "AAAAB", "", true, "AB", {{0, 1, 4, 0}}},
+        {"ein Takt viermal", "AAAAB", "", true, "AB", {{0, 1, 4}}},
         // A held note that sounds into the repeat must sound there in every pass.
         {"gehalten in den zweiten Durchgang", "ALALC", "", true, "ALALC", {}},
-        {"gehalten in beide Durchgänge", "LALAC", "", true, "LAC", {{0, 2, 2, 0}}},
+        {"gehalten in beide Durchgänge", "LALAC", "", true, "LAC", {{0, 2, 2}}},
         {"erste Klammer klingt in die Wiederholung", "MABLABD", "", true, "MABLABD", {}},
-        {"erste Klammer ohne Überhang", "EABCABD", "", true, "EABCD", {{1, 5, 2, 1}}},
+        {"erste Klammer ohne Überhang", "EABCABD", "", true, "EABCD", {{1, 5, 2, 1, 1}}},
     };
     for (const auto& fall : faelle) {
         SCOPED_TRACE(fall.was);
@@ -97,7 +98,8 @@ TEST(Wiederholungen, WieEinMusikerSieSchreibt) {
         for (size_t i = 0; i < f.wiederholungen.size(); ++i) {
             const auto& w = f.wiederholungen[i];
             const auto& e = fall.wiederholungen[i];
-            EXPECT_EQ(std::make_tuple(w.anfang, w.ende, w.mal, w.endung), std::make_tuple(e.anfang, e.ende, e.mal, e.endung));
+            EXPECT_EQ(std::make_tuple(w.anfang, w.ende, w.mal, w.ersteKlammer, w.zweiteKlammer),
+                      std::make_tuple(e.anfang, e.ende, e.mal, e.erste, e.zweite));
         }
         test::ausklappenPruefen(st, f, fall.mitTexten);
         if (f.wiederholungen.empty()) {
