@@ -4,7 +4,7 @@ set -euo pipefail
 
 PAKETE=(
   build-essential cmake ninja-build pkgconf
-  qt6-base-dev libgl-dev
+  qt6-base-dev qt6-svg-dev libgl-dev
   librtmidi-dev libfluidsynth-dev timgm6mb-soundfont
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   midicsv abcmidi libwps-tools

@@ -29,7 +29,7 @@ struct Takt {
 };
 
 struct Stueck {
-    std::string titel;             // the track name, else the file name (UTF-8)
+    std::string titel;             // the name of the piece (blattTitel), UTF-8
     int32_t ticksProViertel = 480;
     int32_t tempo = 500000;        // microseconds per quarter note at the start
     int16_t transpo = 0;           // semitones added to every pitch

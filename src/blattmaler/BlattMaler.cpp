@@ -1,5 +1,8 @@
 #include "blattmaler/BlattMaler.h"
 
+#include "model/Datei.h"
+#include "model/Fehler.h"
+
 #include <QDateTime>
 #include <QFile>
 #include <QFont>
@@ -8,6 +11,8 @@
 #include <QPageSize>
 #include <QPainterPath>
 #include <QPdfWriter>
+#include <QSvgGenerator>
+#include <QBuffer>
 
 #include <cmath>
 #include <system_error>
@@ -167,6 +172,50 @@ std::string alsPdf(const Blatt& blatt, const std::filesystem::path& ziel, const 
     if (!ok || ec) {
         fs::remove(temp, ec);
         return "Das Notenblatt \"" + ziel.filename().string() + "\" kann nicht geschrieben werden.";
+    }
+    return "";
+}
+
+std::vector<std::filesystem::path> svgDateien(const std::filesystem::path& ziel, size_t seiten) {
+    if (seiten <= 1) return {ziel};
+    const std::string endung = ziel.has_extension() ? ziel.extension().string() : ".svg";
+    std::vector<std::filesystem::path> dateien;
+    for (size_t i = 1; i <= seiten; ++i)
+        dateien.push_back(ziel.parent_path() / (ziel.stem().string() + "-" + std::to_string(i) + endung));
+    return dateien;
+}
+
+std::string alsSvg(const Blatt& blatt, const std::filesystem::path& ziel, const std::string& titel) {
+    if (blatt.seiten.empty()) return "Das Notenblatt hat keine Seite.";
+    const auto dateien = svgDateien(ziel, blatt.seiten.size());
+    // Every page is drawn before the first file is touched: a page that cannot be drawn leaves all
+    // files as they were.
+    std::vector<QByteArray> inhalte;
+    for (size_t i = 0; i < blatt.seiten.size(); ++i) {
+        const Seite& seite = blatt.seiten[i];
+        QBuffer puffer;
+        QSvgGenerator svg;
+        svg.setOutputDevice(&puffer);
+        // 100 dots per millimetre: the page's size in whole hundredths, written back as millimetres.
+        svg.setResolution(2540);
+        svg.setSize(QSize(int(std::lround(seite.breite * 100)), int(std::lround(seite.hoehe * 100))));
+        svg.setViewBox(QRectF(0, 0, seite.breite, seite.hoehe));
+        QString name = QString::fromUtf8(titel.data(), qsizetype(titel.size()));
+        if (blatt.seiten.size() > 1) name += QStringLiteral(" – Seite %1 von %2").arg(i + 1).arg(blatt.seiten.size());
+        svg.setTitle(name);
+        svg.setDescription(QStringLiteral("Notenblatt für die Tischharfe, gesetzt mit Lyrabo"));
+        QPainter maler;
+        if (!maler.begin(&svg)) return "Das Notenblatt \"" + dateien[i].filename().string() + "\" kann nicht gezeichnet werden.";
+        seiteMalen(maler, seite);
+        maler.end();
+        inhalte.push_back(puffer.data());
+    }
+    for (size_t i = 0; i < dateien.size(); ++i) {
+        try {
+            dateiErsetzen(dateien[i], std::string(inhalte[i].constData(), size_t(inhalte[i].size())));
+        } catch (const Fehler&) {
+            return "Das Notenblatt \"" + dateien[i].filename().string() + "\" kann nicht geschrieben werden.";
+        }
     }
     return "";
 }

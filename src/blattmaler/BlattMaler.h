@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace lyrabo::blatt {
 
@@ -20,5 +21,13 @@ void seiteMalen(QPainter& maler, const Seite& seite, const std::function<bool(in
 // existing one survives a failure. `erstellt` (seconds since 1970) becomes the creation date, so
 // the same sheet always gives the same bytes. Returns "" or a German message.
 std::string alsPdf(const Blatt& blatt, const std::filesystem::path& ziel, const std::string& titel, int64_t erstellt);
+
+// The files an SVG sheet of `seiten` pages goes to: `ziel` itself for one page, else NAME-1.svg,
+// NAME-2.svg, ... beside it.
+std::vector<std::filesystem::path> svgDateien(const std::filesystem::path& ziel, size_t seiten);
+
+// Writes every page as its own SVG file, vector only, in millimetres and of the page's size, each
+// through a temporary file so that an existing one survives a failure. Returns "" or a German message.
+std::string alsSvg(const Blatt& blatt, const std::filesystem::path& ziel, const std::string& titel);
 
 } // namespace lyrabo::blatt

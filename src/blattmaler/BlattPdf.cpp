@@ -11,8 +11,12 @@
 
 namespace lyrabo {
 
-std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
-                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel) {
+namespace {
+
+// Lays the sheet out and hands it to `schreiben`; "" or a German message.
+template <typename Schreiben>
+std::string notenblatt(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
+                       const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel, Schreiben schreiben) {
     const std::string name = "Das Notenblatt \"" + ziel.filename().string() + "\"";
     // Without the application object Qt has no fonts and would stop the whole program.
     if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) return name + " kann ohne grafische Umgebung nicht geschrieben werden.";
@@ -23,10 +27,27 @@ std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16
     try {
         const std::string titel = blattTitel(programm, spur);
         const blatt::Blatt blatt = blatt::setzen(blattStueck(programm, noten, titel), einstellungen);
-        return blatt::alsPdf(blatt, ziel, titel, blattDatum(programm));
+        return schreiben(blatt, titel);
     } catch (const std::exception&) {
         return name + " konnte nicht gesetzt werden.";
     }
+}
+
+} // namespace
+
+std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel) {
+    return notenblatt(programm, noten, spur, einstellungen, ziel, [&](const blatt::Blatt& blatt, const std::string& titel) {
+        return blatt::alsPdf(blatt, ziel, titel, blattDatum(programm));
+    });
+}
+
+std::string notenblattSvg(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel, size_t* seiten) {
+    return notenblatt(programm, noten, spur, einstellungen, ziel, [&](const blatt::Blatt& blatt, const std::string& titel) {
+        if (seiten) *seiten = blatt.seiten.size();
+        return blatt::alsSvg(blatt, ziel, titel);
+    });
 }
 
 } // namespace lyrabo

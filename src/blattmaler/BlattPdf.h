@@ -1,6 +1,6 @@
 #pragma once
-// The note sheet of the converted piece as a PDF file: one path for the window's "save as PDF" and
-// the command line, so that both give the same bytes for the same file and settings.
+// The note sheet of the converted piece as a PDF file, or as SVG files: one path for the window's
+// "save as" and the command line, so that both give the same bytes for the same file and settings.
 #include "blatt/BlattEinstellungen.h"
 #include "model/Records.h"
 
@@ -17,5 +17,11 @@ class CProgramm;
 // the PDF to `ziel` through a temporary file. Needs a QGuiApplication. Returns "" or a German message.
 std::string notenblattPdf(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
                           const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel);
+
+// The same sheet as SVG, one file per page (blatt::svgDateien names them); `seiten` gets the number
+// of pages written. Returns "" or a German message.
+std::string notenblattSvg(CProgramm& programm, const KlangNotenRef& noten, int16_t spur,
+                          const blatt::Einstellungen& einstellungen, const std::filesystem::path& ziel,
+                          size_t* seiten = nullptr);
 
 } // namespace lyrabo

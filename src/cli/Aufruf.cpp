@@ -65,7 +65,8 @@ bool erlaubt(Befehl b, const std::string& option) {
     static const std::set<std::string> kEinstellungen = {
         "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
         "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
-    static const std::set<std::string> kBlatt = {"--pdf", "--papier", "--hoch", "--quer", "--saitenabstand"};
+    static const std::set<std::string> kBlatt = {"--pdf", "--svg", "--papier", "--hoch", "--quer", "--saitenabstand",
+                                                 "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen"};
     switch (b) {
     case Befehl::Info:
         return option == "--spur";
@@ -166,6 +167,19 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         } else if (arg == "--pdf") {
             if (w.empty() || w == "-") throw AufrufFehler("--pdf braucht einen Dateinamen.");
             a.pdf = w;
+        } else if (arg == "--svg") {
+            if (w.empty() || w == "-") throw AufrufFehler("--svg braucht einen Dateinamen.");
+            a.svg = w;
+        } else if (arg == "--einpassen") {
+            a.blatt.Einpassen = jaNein(w, arg);
+        } else if (arg == "--kurze-pausen") {
+            a.blatt.KurzePausen = jaNein(w, arg);
+        } else if (arg == "--wiederholungen") {
+            a.blatt.Wiederholungen = jaNein(w, arg);
+        } else if (arg == "--notenform") {
+            if (w == "harfe") a.blatt.Notenform = blatt::Notenform::Harfe;
+            else if (w == "hals") a.blatt.Notenform = blatt::Notenform::Hals;
+            else throw AufrufFehler("--notenform erlaubt nur harfe oder hals.");
         } else if (arg == "--papier") {
             if (w == "A4" || w == "a4") a.blatt.Papier = blatt::Papier::A4;
             else if (w == "A3" || w == "a3") a.blatt.Papier = blatt::Papier::A3;
@@ -176,16 +190,17 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
             if (w.empty()) throw AufrufFehler("Der Option --ausgabe fehlt der Ordner.");
             a.ausgabeOrdner = w;
         } else if (arg == "--formate") {
-            a.mitHarfentext = a.mitKlangnoten = a.mitWdb = a.mitPdf = false;
+            a.mitHarfentext = a.mitKlangnoten = a.mitWdb = a.mitPdf = a.mitSvg = false;
             for (const auto& t : teile(w)) {
                 if (t == "harfentext") a.mitHarfentext = true;
                 else if (t == "klangnoten") a.mitKlangnoten = true;
                 else if (t == "wdb") a.mitWdb = true;
                 else if (t == "pdf") a.mitPdf = true;
-                else throw AufrufFehler("Unbekanntes Format \"" + t + "\" (erlaubt: harfentext, klangnoten, wdb, pdf).");
+                else if (t == "svg") a.mitSvg = true;
+                else throw AufrufFehler("Unbekanntes Format \"" + t + "\" (erlaubt: harfentext, klangnoten, wdb, pdf, svg).");
             }
             if (a.befehl == Befehl::Mix && (a.mitKlangnoten || a.mitWdb))
-                throw AufrufFehler("mix schreibt nur harfentext und pdf.");
+                throw AufrufFehler("mix schreibt nur harfentext, pdf und svg.");
         } else if (arg == "--transpo") {
             a.optionen.Transpo = ganzeZahl(w, arg, -kTranspoGrenze, kTranspoGrenze);
         } else if (arg == "--quantisierung") {
@@ -222,18 +237,23 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         if (a.pdf)
             throw AufrufFehler("Mit --ausgabe werden die Dateinamen aus den MIDI-Dateien gebildet; "
                                "statt --pdf gilt dort --formate mit pdf.");
+        if (a.svg)
+            throw AufrufFehler("Mit --ausgabe werden die Dateinamen aus den MIDI-Dateien gebildet; "
+                               "statt --svg gilt dort --formate mit svg.");
         const bool convert = a.befehl == Befehl::Convert;
-        if (!a.mitHarfentext && !a.mitPdf && (!convert || (!a.mitKlangnoten && !a.mitWdb)))
+        if (!a.mitHarfentext && !a.mitPdf && !a.mitSvg && (!convert || (!a.mitKlangnoten && !a.mitWdb)))
             throw AufrufFehler("--formate nennt keine Ausgabe.");
     } else if (a.dateien.size() > 1 && (a.befehl == Befehl::Convert || a.befehl == Befehl::Mix)) {
         throw AufrufFehler("Mehrere MIDI-Dateien brauchen --ausgabe ORDNER.");
     }
-    for (const char* option : {"--papier", "--hoch", "--quer", "--saitenabstand"}) {
-        if (gesehen.count(option) && !a.willPdf())
-            throw AufrufFehler(std::string("Die Option ") + option + " gilt nur zusammen mit --pdf oder --formate pdf.");
+    for (const char* option : {"--papier", "--hoch", "--quer", "--saitenabstand", "--einpassen", "--notenform",
+                               "--kurze-pausen", "--wiederholungen"}) {
+        if (gesehen.count(option) && !a.willBlatt())
+            throw AufrufFehler(std::string("Die Option ") + option +
+                               " gilt nur zusammen mit --pdf, --svg oder --formate pdf oder svg.");
     }
 #ifndef LYRABO_MIT_BLATT
-    if (a.willPdf()) throw AufrufFehler("Dieses lyrabo-cli ist ohne Qt gebaut und kann kein Notenblatt schreiben.");
+    if (a.willBlatt()) throw AufrufFehler("Dieses lyrabo-cli ist ohne Qt gebaut und kann kein Notenblatt schreiben.");
 #endif
     if (a.harfentext && a.klangnoten && *a.harfentext == "-" && *a.klangnoten == "-")
         throw AufrufFehler("Nur ein Text kann auf die Standardausgabe gehen.");
@@ -257,14 +277,15 @@ std::string hilfeText() {
         "      hexadezimal), die Bytes und der Text des Ereignisses.\n"
         "  lyrabo-cli convert DATEI.mid [--spur N] [Optionen] [--harfentext DATEI]\n"
         "                     [--klangnoten DATEI] [--wdb DATEI.wdb] [--pdf DATEI.pdf]\n"
+        "                     [--svg DATEI.svg]\n"
         "      Setzt die Spur um wie das Fenster nach dem Öffnen der Datei und schreibt den\n"
         "      HarfeEvent-Text, den KlangNoten-Text, die Works-Datenbank und/oder das Notenblatt.\n"
         "      Ohne Ausgabe-Option geht der HarfeEvent-Text auf die Standardausgabe; \"-\" als\n"
         "      DATEI ebenso.\n"
         "  lyrabo-cli mix DATEI.mid --spuren 2,3,5 [--spur N] [Optionen] [--harfentext DATEI]\n"
-        "                 [--pdf DATEI.pdf]\n"
+        "                 [--pdf DATEI.pdf] [--svg DATEI.svg]\n"
         "      Mischt die Spuren wie \"Spuren mischen\" im Fenster und schreibt den Text, den das\n"
-        "      Fenster in die Zwischenablage legt (ohne --harfentext und --pdf auf die\n"
+        "      Fenster in die Zwischenablage legt (ohne --harfentext, --pdf und --svg auf die\n"
         "      Standardausgabe), und/oder das Notenblatt der gemischten Noten.\n"
         "  lyrabo-cli --help\n"
         "\n"
@@ -274,15 +295,27 @@ std::string hilfeText() {
         "  --ausgabe ORDNER        jede Datei wird in ORDNER unter ihrem eigenen Namen abgelegt:\n"
         "                          NAME.txt (HarfeEvent-Text), NAME.klangnoten.txt, NAME.wdb;\n"
         "                          eine fehlerhafte Datei wird gemeldet, die übrigen werden umgesetzt\n"
-        "  --formate LISTE         nur diese Ausgaben: harfentext, klangnoten, wdb, pdf (mit Komma;\n"
-        "                          ohne die Option alle außer pdf; mix kennt harfentext und pdf);\n"
-        "                          pdf ist das Notenblatt NAME.pdf\n"
+        "  --formate LISTE         nur diese Ausgaben: harfentext, klangnoten, wdb, pdf, svg (mit\n"
+        "                          Komma; ohne die Option alle außer pdf und svg; mix kennt\n"
+        "                          harfentext, pdf und svg); pdf ist das Notenblatt NAME.pdf, svg\n"
+        "                          dasselbe als NAME.svg (bei mehreren Seiten NAME-1.svg, NAME-2.svg, …)\n"
         "\n"
-        "Notenblatt (mit --pdf oder --formate pdf; ohne Angabe gelten die im Fenster gewählten\n"
-        "Einstellungen aus data/LYRABO_blatt.ini, sonst 25 Saiten A4 quer, 37 Saiten A3 quer):\n"
+        "Notenblatt (mit --pdf, --svg oder --formate pdf/svg; ohne Angabe gelten die im Fenster\n"
+        "gewählten Einstellungen aus data/LYRABO_blatt.ini, sonst 25 Saiten A4 quer, 37 Saiten A3\n"
+        "quer):\n"
+        "  --svg DATEI.svg         das Notenblatt als SVG-Grafik, eine Datei je Seite: DATEI.svg bei\n"
+        "                          einer Seite, sonst DATEI-1.svg, DATEI-2.svg, …\n"
         "  --papier A4|A3          Papierformat\n"
         "  --hoch, --quer          Hoch- oder Querformat\n"
         "  --saitenabstand MM      Abstand der Saiten in Millimetern, 10 bis 14 (Vorgabe 11,5)\n"
+        "  --einpassen ja|nein     das ganze Lied auf ein Blatt einpassen (Vorgabe ja); nein setzt\n"
+        "                          mit den natürlichen Abständen\n"
+        "  --notenform harfe|hals  Notenform: harfe die Formen der Tischharfe ohne Hals (Vorgabe),\n"
+        "                          hals die Noten mit Hals und Fähnchen\n"
+        "  --kurze-pausen ja|nein  kurze Pausen schließen (Vorgabe ja): eine Pause kürzer als eine\n"
+        "                          Achtel zwischen zwei Noten verlängert die Note davor\n"
+        "  --wiederholungen ja|nein\n"
+        "                          Wiederholungen zusammenfassen (Vorgabe ja)\n"
         "\n"
         "Optionen (wie im Fenster; ohne Angabe gelten die Vorgaben und die User-Daten):\n"
         "  --transpo N             Transponierung in Halbtönen (-36 bis 36)\n"

@@ -42,11 +42,16 @@ struct COptionen {
     std::optional<int16_t> Saiten;
 };
 
-// The note sheet's paper and string spacing; an empty field keeps the default of the harp's size.
+// The note sheet's paper, string spacing and layout; an empty field keeps the setting of the window
+// for the harp's size (data/LYRABO_blatt.ini), else its default.
 struct CBlattOptionen {
     std::optional<blatt::Papier> Papier;
     std::optional<bool> Quer;
     std::optional<double> SaitenAbstand;  // mm
+    std::optional<bool> Einpassen;
+    std::optional<blatt::Notenform> Notenform;
+    std::optional<bool> KurzePausen;
+    std::optional<bool> Wiederholungen;
 };
 
 struct CAufruf {
@@ -59,14 +64,17 @@ struct CAufruf {
     std::optional<std::string> klangnoten;
     std::optional<std::string> wdb;
     std::optional<std::string> pdf;        // the note sheet
+    std::optional<std::string> svg;        // the note sheet as SVG, one file per page
     std::optional<std::string> ausgabeOrdner;
     // Outputs per file in a folder: harp-event text, KlangNoten text, Works database, note sheet.
-    bool mitHarfentext = true, mitKlangnoten = true, mitWdb = true, mitPdf = false;
+    bool mitHarfentext = true, mitKlangnoten = true, mitWdb = true, mitPdf = false, mitSvg = false;
     COptionen optionen;
     CBlattOptionen blatt;
 
-    // A note sheet is to be written (so the program needs Qt's graphics).
-    bool willPdf() const { return pdf.has_value() || (ausgabeOrdner.has_value() && mitPdf); }
+    // A note sheet is to be written, as PDF or SVG (so the program needs Qt's graphics).
+    bool willBlatt() const {
+        return pdf.has_value() || svg.has_value() || (ausgabeOrdner.has_value() && (mitPdf || mitSvg));
+    }
 };
 
 // Reads the arguments after the program name. Throws AufrufFehler.

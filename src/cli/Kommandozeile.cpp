@@ -259,10 +259,11 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
         z.klangnoten = a.klangnoten.value_or("");
         z.wdb = a.wdb.value_or("");
         z.pdf = a.pdf.value_or("");
+        z.svg = a.svg.value_or("");
         if (a.befehl == Befehl::Convert && z.harfentext.empty() && z.klangnoten.empty() && z.wdb.empty() &&
-            z.pdf.empty())
+            z.pdf.empty() && z.svg.empty())
             z.harfentext = "-";
-        if (a.befehl == Befehl::Mix && z.harfentext.empty() && z.pdf.empty()) z.harfentext = "-";
+        if (a.befehl == Befehl::Mix && z.harfentext.empty() && z.pdf.empty() && z.svg.empty()) z.harfentext = "-";
         return z;
     }
     std::string name = fs::path(datei).stem().string();
@@ -274,6 +275,7 @@ CKommandozeile::Ziele CKommandozeile::zieleFuer(const std::string& datei) {
     if (convert && a.mitKlangnoten) z.klangnoten = (ordner / (name + ".klangnoten.txt")).string();
     if (convert && a.mitWdb) z.wdb = (ordner / (name + ".wdb")).string();
     if (a.mitPdf) z.pdf = (ordner / (name + ".pdf")).string();
+    if (a.mitSvg) z.svg = (ordner / (name + ".svg")).string();
     return z;
 }
 
@@ -309,7 +311,7 @@ void CKommandozeile::convert(const std::string& datei) {
     if (!z.klangnoten.empty()) textSchreiben(z.klangnoten, klangnoten);
     // Last, so that a sheet that cannot be written keeps none of the other outputs from their file.
     // (Saving the database converts the track once more, to the same notes.)
-    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNoten, m_spur);
+    blattSpeichern(z, m_programm.KlangNoten, m_spur);
 }
 
 // The save path of "Speichern als WDB": convert once more, hand the engine's collections to the
@@ -373,10 +375,11 @@ void CKommandozeile::mix(const std::string& datei) {
 
     m_phase = Phase::Schreiben;
     if (!z.harfentext.empty()) textSchreiben(z.harfentext, *m_form.Zwischenablage());
-    if (!z.pdf.empty()) blattSpeichern(z.pdf, m_programm.KlangNotenMix, 0);
+    blattSpeichern(z, m_programm.KlangNotenMix, 0);
 }
 
-void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur) {
+void CKommandozeile::blattSpeichern(const Ziele& z, const KlangNotenRef& noten, int16_t spur) {
+    if (z.pdf.empty() && z.svg.empty()) return;
     m_phase = Phase::Schreiben;
 #ifdef LYRABO_MIT_BLATT
     const CBlattOptionen& o = m_aufruf->blatt;
@@ -385,10 +388,20 @@ void CKommandozeile::blattSpeichern(const std::string& ziel, const KlangNotenRef
     if (o.Papier) e.papier = *o.Papier;
     if (o.Quer) e.quer = *o.Quer;
     if (o.SaitenAbstand) e.saitenAbstand = *o.SaitenAbstand;
-    const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(ziel));
-    if (!meldung.empty()) throw DateiFehler(meldung);
+    if (o.Einpassen) e.einpassen = *o.Einpassen;
+    if (o.Notenform) e.notenform = *o.Notenform;
+    if (o.KurzePausen) e.kurzePausenSchliessen = *o.KurzePausen;
+    if (o.Wiederholungen) e.wiederholungenZusammenfassen = *o.Wiederholungen;
+    if (!z.pdf.empty()) {
+        const std::string meldung = notenblattPdf(m_programm, noten, spur, e, fs::path(z.pdf));
+        if (!meldung.empty()) throw DateiFehler(meldung);
+    }
+    if (!z.svg.empty()) {
+        const std::string meldung = notenblattSvg(m_programm, noten, spur, e, fs::path(z.svg));
+        if (!meldung.empty()) throw DateiFehler(meldung);
+    }
 #else
-    (void)ziel, (void)noten, (void)spur;
+    (void)z, (void)noten, (void)spur;
 #endif
 }
 

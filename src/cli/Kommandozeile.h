@@ -43,13 +43,13 @@ private:
 
     // Where the outputs of a file go; "" = not wanted, "-" = standard output.
     struct Ziele {
-        std::string harfentext, klangnoten, wdb, pdf;
+        std::string harfentext, klangnoten, wdb, pdf, svg;
     };
     Ziele zieleFuer(const std::string& datei);
     void wdbSpeichern(const std::string& name);
     // The note sheet of `noten` with the window's sheet settings for the harp size, changed by the
-    // call's paper and spacing.
-    void blattSpeichern(const std::string& ziel, const KlangNotenRef& noten, int16_t spur);
+    // call's sheet options: as PDF to `pdf`, as SVG to `svg` (each "" for none).
+    void blattSpeichern(const Ziele& z, const KlangNotenRef& noten, int16_t spur);
     void textSchreiben(const std::string& ziel, const std::string& utf8Text);
 
     std::filesystem::path m_ordner;

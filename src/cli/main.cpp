@@ -36,12 +36,12 @@ int main(int argc, char** argv) {
         return kFertig;
     }
 #ifdef LYRABO_MIT_BLATT
-    // The PDF writer needs Qt's graphics; a console run has no window, so on Linux Qt's offscreen
+    // The sheet writers need Qt's graphics; a console run has no window, so on Linux Qt's offscreen
     // platform stands in when no display is named (a set QT_QPA_PLATFORM is left alone).
     int qtArgc = 1;
     char* qtArgv[] = {argv[0], nullptr};
     std::unique_ptr<QGuiApplication> qt;
-    if (aufruf.willPdf()) {
+    if (aufruf.willBlatt()) {
         // Qt's own notes (English, for developers) would mix with the program's German messages.
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)

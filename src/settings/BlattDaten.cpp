@@ -43,7 +43,10 @@ void abschnittSchreiben(std::ostringstream& aus, const char* kopf, const blatt::
         << "Lage=" << (e.quer ? "quer" : "hoch") << '\n'
         << "Saitenabstand=" << zahl(e.saitenAbstand) << '\n'
         << "MmProViertel=" << zahl(e.mmProViertel) << '\n'
-        << "AufEineSeite=" << (e.aufEineSeite ? "ja" : "nein") << '\n'
+        << "Einpassen=" << (e.einpassen ? "ja" : "nein") << '\n'
+        << "Notenform=" << (e.notenform == blatt::Notenform::Hals ? "hals" : "harfe") << '\n'
+        << "KurzePausenSchliessen=" << (e.kurzePausenSchliessen ? "ja" : "nein") << '\n'
+        << "WiederholungenZusammenfassen=" << (e.wiederholungenZusammenfassen ? "ja" : "nein") << '\n'
         << "NotenTexte=" << (e.notenTexte ? "ja" : "nein") << '\n'
         << "MelodieLinie=" << (e.melodieLinie ? "ja" : "nein") << '\n';
 }
@@ -65,10 +68,17 @@ bool wertSetzen(blatt::Einstellungen& e, const std::string& schluessel, const st
         auto z = zahlLesen(wert, E::kMinProViertel, E::kMaxProViertel);
         if (!z) return false;
         e.mmProViertel = *z;
+    } else if (schluessel == "Notenform") {
+        if (wert != "harfe" && wert != "hals") return false;
+        e.notenform = wert == "hals" ? blatt::Notenform::Hals : blatt::Notenform::Harfe;
     } else {
         auto b = jaNein(wert);
         if (!b) return false;
-        if (schluessel == "AufEineSeite") e.aufEineSeite = *b;
+        // "AufEineSeite" of older files: fitting the sheet ("Einpassen") has taken its place.
+        if (schluessel == "AufEineSeite") {}
+        else if (schluessel == "Einpassen") e.einpassen = *b;
+        else if (schluessel == "KurzePausenSchliessen") e.kurzePausenSchliessen = *b;
+        else if (schluessel == "WiederholungenZusammenfassen") e.wiederholungenZusammenfassen = *b;
         else if (schluessel == "NotenTexte") e.notenTexte = *b;
         else if (schluessel == "MelodieLinie") e.melodieLinie = *b;
         else return false;

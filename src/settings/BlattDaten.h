@@ -1,7 +1,7 @@
 #pragma once
 // The note sheet's settings between runs, in data/LYRABO_blatt.ini beside the user settings file:
-// paper, string spacing, room per quarter and what is shown, once for each harp size, and the
-// folder the last sheet PDF went to. Plain "Schluessel=Wert" lines in UTF-8.
+// paper, string spacing, room per quarter, fitting, note shapes and what is shown, once for each
+// harp size, and the folder the last sheet PDF went to. Plain "Schluessel=Wert" lines in UTF-8.
 #include "blatt/BlattEinstellungen.h"
 
 #include <filesystem>

@@ -3,6 +3,7 @@
 #include "app/core/BlattQuelle.h"
 #include "app/core/CProgramm.h"
 #include "blatt/BlattSatz.h"
+#include "blattmaler/BlattMaler.h"
 #include "blattmaler/BlattPdf.h"
 #include "model/Fehler.h"
 #include "ui/BlattAnsicht.h"
@@ -138,25 +139,46 @@ QFrame* BlattBereich::optionenAnlegen(QWidget* eltern) {
     g->addWidget(new QLabel(QStringLiteral("Abstand je Viertelnote:"), f), 3, 0);
     spinMmProViertel = spin("spinMmProViertel", E::kMinProViertel, E::kMaxProViertel, 0.5);
     g->addWidget(spinMmProViertel, 3, 1, Qt::AlignLeft);
+    g->addWidget(new QLabel(QStringLiteral("Notenform:"), f), 4, 0);
+    comboNotenform = benannt(new QComboBox(f), "comboNotenform");
+    comboNotenform->addItems({QStringLiteral("Tischharfe (ohne Hals)"), QStringLiteral("mit Hals")});
+    comboNotenform->setToolTip(QStringLiteral("Tischharfe: der Wert einer Note zeigt sich an Größe und Füllung des Kopfes, "
+                                              "wie auf gekauften Unterlegblättern.\nmit Hals: Notenköpfe mit Hals und Fähnchen."));
+    g->addWidget(comboNotenform, 4, 1, Qt::AlignLeft);
 
-    chAufEineSeite = benannt(new QCheckBox(QStringLiteral("Auf eine Seite (enger setzen, wenn es passt)"), f), "chAufEineSeite");
-    chNotenTexte = benannt(new QCheckBox(QStringLiteral("Liedtext an den Noten"), f), "chNotenTexte");
-    chMelodieLinie = benannt(new QCheckBox(QStringLiteral("Melodielinie"), f), "chMelodieLinie");
-    g->addWidget(chAufEineSeite, 1, 2);
-    g->addWidget(chNotenTexte, 2, 2);
-    g->addWidget(chMelodieLinie, 3, 2);
+    auto schalter = [f](const char* name, const char* text, const char* tipp) {
+        auto* c = benannt(new QCheckBox(QString::fromUtf8(text), f), name);
+        if (tipp) c->setToolTip(QString::fromUtf8(tipp));
+        return c;
+    };
+    chEinpassen = schalter("chEinpassen", "Auf ein Blatt einpassen",
+                           "Das ganze Lied wird so dicht gesetzt, dass es ein Blatt füllt (nie weiter als ohne Einpassen).\n"
+                           "Passt es auch dann nicht, wird es an Taktstrichen gleichmäßig auf möglichst wenige Blätter verteilt.");
+    chKurzePausen = schalter("chKurzePausen", "Kurze Pausen schließen",
+                             "Eine Pause kürzer als eine Achtel zwischen zwei Noten wird nicht gezeichnet;\n"
+                             "die Note davor wird um ihre Länge verlängert. Nur das Notenblatt ändert sich.");
+    chWiederholungen = schalter("chWiederholungen", "Wiederholungen zusammenfassen",
+                                "Takte, die noch einmal gespielt werden, stehen nur einmal auf dem Blatt, mit Wiederholungszeichen.");
+    chNotenTexte = schalter("chNotenTexte", "Liedtext an den Noten", nullptr);
+    chMelodieLinie = schalter("chMelodieLinie", "Melodielinie", nullptr);
+    g->addWidget(chEinpassen, 1, 2);
+    g->addWidget(chKurzePausen, 2, 2);
+    g->addWidget(chWiederholungen, 3, 2);
+    g->addWidget(chNotenTexte, 1, 3);
+    g->addWidget(chMelodieLinie, 2, 3);
     auto* standard = benannt(new QPushButton(QStringLiteral("Standardwerte"), f), "cmdBlattStandard");
-    g->addWidget(standard, 3, 3, Qt::AlignRight);
-    g->setColumnStretch(2, 1);
-    g->setRowStretch(4, 1);
+    g->addWidget(standard, 4, 3, Qt::AlignRight);
+    g->setColumnStretch(3, 1);
+    g->setRowStretch(5, 1);
 
     connect(comboPapier, &QComboBox::currentIndexChanged, this, [this] { optionGeaendert(); });
+    connect(comboNotenform, &QComboBox::currentIndexChanged, this, [this] { optionGeaendert(); });
     for (auto* w : {opHochformat, opQuerformat}) connect(w, &QRadioButton::toggled, this, [this](bool an) {
             if (an) optionGeaendert();
         });
     for (auto* w : {spinSaitenabstand, spinMmProViertel})
         connect(w, &QDoubleSpinBox::valueChanged, this, [this] { optionGeaendert(); });
-    for (auto* w : {chAufEineSeite, chNotenTexte, chMelodieLinie})
+    for (auto* w : {chEinpassen, chKurzePausen, chWiederholungen, chNotenTexte, chMelodieLinie})
         connect(w, &QCheckBox::toggled, this, [this] { optionGeaendert(); });
     connect(standard, &QPushButton::clicked, this, [this] {
         m_daten.fuer(saiten()) = blatt::standardFuer(saiten());
@@ -169,10 +191,13 @@ QFrame* BlattBereich::optionenAnlegen(QWidget* eltern) {
 
 void BlattBereich::menueEintraege(QMenu* datei) {
     mBlattAlsPdf = benannt(datei->addAction(QStringLiteral("Notenblatt als &PDF speichern…")), "mBlattAlsPdf");
+    mBlattAlsSvg = benannt(datei->addAction(QStringLiteral("Notenblatt als S&VG speichern…")), "mBlattAlsSvg");
+    mBlattAlsSvg->setToolTip(QStringLiteral("Als Vektorgrafik für ein Zeichenprogramm oder eine Webseite, eine Datei je Seite"));
     mBlattDrucken = benannt(datei->addAction(QStringLiteral("Notenblatt &drucken…")), "mBlattDrucken");
     mBlattDrucken->setShortcut(QKeySequence::Print);
     mBlattVorschau = benannt(datei->addAction(QStringLiteral("Druck&vorschau des Notenblatts…")), "mBlattVorschau");
     connect(mBlattAlsPdf, &QAction::triggered, this, [this] { alsPdfSpeichern(); });
+    connect(mBlattAlsSvg, &QAction::triggered, this, [this] { alsSvgSpeichern(); });
     connect(mBlattDrucken, &QAction::triggered, this, [this] { drucken(); });
     connect(mBlattVorschau, &QAction::triggered, this, [this] { druckVorschau(); });
 }
@@ -252,7 +277,10 @@ void BlattBereich::optionenZeigen() {
     (e.quer ? opQuerformat : opHochformat)->setChecked(true);
     spinSaitenabstand->setValue(e.saitenAbstand);
     spinMmProViertel->setValue(e.mmProViertel);
-    chAufEineSeite->setChecked(e.aufEineSeite);
+    comboNotenform->setCurrentIndex(e.notenform == blatt::Notenform::Hals ? 1 : 0);
+    chEinpassen->setChecked(e.einpassen);
+    chKurzePausen->setChecked(e.kurzePausenSchliessen);
+    chWiederholungen->setChecked(e.wiederholungenZusammenfassen);
     chNotenTexte->setChecked(e.notenTexte);
     chMelodieLinie->setChecked(e.melodieLinie);
     m_sperre = false;
@@ -265,7 +293,10 @@ void BlattBereich::optionGeaendert() {
     e.quer = opQuerformat->isChecked();
     e.saitenAbstand = spinSaitenabstand->value();
     e.mmProViertel = spinMmProViertel->value();
-    e.aufEineSeite = chAufEineSeite->isChecked();
+    e.notenform = comboNotenform->currentIndex() == 1 ? blatt::Notenform::Hals : blatt::Notenform::Harfe;
+    e.einpassen = chEinpassen->isChecked();
+    e.kurzePausenSchliessen = chKurzePausen->isChecked();
+    e.wiederholungenZusammenfassen = chWiederholungen->isChecked();
     e.notenTexte = chNotenTexte->isChecked();
     e.melodieLinie = chMelodieLinie->isChecked();
     e = blatt::begrenzt(e);
@@ -286,26 +317,46 @@ std::string BlattBereich::pdfSchreiben(const fs::path& ziel) const {
                          einstellungen(), ziel);
 }
 
-void BlattBereich::alsPdfSpeichern() {
+std::string BlattBereich::svgSchreiben(const fs::path& ziel, size_t* seiten) const {
+    if (!m_stueck) return "Bitte zuerst eine MIDI-Datei öffnen und eine Spur wählen.";
+    return notenblattSvg(m_programm, m_mischung ? m_programm.KlangNotenMix : m_programm.KlangNoten, m_spur,
+                         einstellungen(), ziel, seiten);
+}
+
+void BlattBereich::alsPdfSpeichern() { speichern(false); }
+void BlattBereich::alsSvgSpeichern() { speichern(true); }
+
+void BlattBereich::speichern(bool svg) {
     if (nichtsZuDrucken()) return;
+    const QString endung = svg ? QStringLiteral(".svg") : QStringLiteral(".pdf");
     std::error_code ec;
     fs::path ordner = alsPfad(ausUtf8(m_daten.pdfOrdner));
     const fs::path midi = fs::path(m_programm.Midifile1.filename());
     if (m_daten.pdfOrdner.empty() || !fs::is_directory(ordner, ec)) ordner = midi.parent_path();
-    const fs::path vorschlag = ordner / (midi.stem().string() + ".pdf");
-    auto wahl = m_fenster.speicherDialog(QStringLiteral("Notenblatt als PDF speichern"), ausPfad(vorschlag),
-                                         QStringLiteral("PDF-Dokument (*.pdf)"));
+    const fs::path vorschlag = ordner / (midi.stem().string() + endung.toStdString());
+    auto wahl = svg ? m_fenster.speicherDialog(QStringLiteral("Notenblatt als SVG speichern"), ausPfad(vorschlag),
+                                               QStringLiteral("SVG-Grafik, eine Datei je Seite (*.svg)"))
+                    : m_fenster.speicherDialog(QStringLiteral("Notenblatt als PDF speichern"), ausPfad(vorschlag),
+                                               QStringLiteral("PDF-Dokument (*.pdf)"));
     if (!wahl || wahl->isEmpty()) return;
     fs::path ziel = alsPfad(*wahl);
-    if (ziel.extension().empty()) ziel += ".pdf";
-    if (fs::exists(ziel, ec)) {
-        const auto antwort = m_fenster.nachricht(
-            QMessageBox::Question,
-            QStringLiteral("Die Datei „%1“ gibt es schon.\nSoll sie ersetzt werden?").arg(ausPfad(ziel.filename())),
-            QMessageBox::Yes | QMessageBox::No);
+    if (ziel.extension().empty()) ziel += endung.toStdString();
+    // SVG: one file per page, so every one of them may be there already.
+    const auto dateien = svg ? blatt::svgDateien(ziel, m_ansicht->blatt().seiten.size()) : std::vector<fs::path>{ziel};
+    std::vector<fs::path> vorhanden;
+    for (const auto& d : dateien)
+        if (fs::exists(d, ec)) vorhanden.push_back(d);
+    if (!vorhanden.empty()) {
+        const QString frage =
+            vorhanden.size() == 1
+                ? QStringLiteral("Die Datei „%1“ gibt es schon.\nSoll sie ersetzt werden?").arg(ausPfad(vorhanden[0].filename()))
+                : QStringLiteral("Die Dateien „%1“ bis „%2“ gibt es schon.\nSollen sie ersetzt werden?")
+                      .arg(ausPfad(vorhanden.front().filename()), ausPfad(vorhanden.back().filename()));
+        const auto antwort = m_fenster.nachricht(QMessageBox::Question, frage, QMessageBox::Yes | QMessageBox::No);
         if (antwort != QMessageBox::Yes) return;
     }
-    const std::string fehler = pdfSchreiben(ziel);
+    size_t seiten = 1;
+    const std::string fehler = svg ? svgSchreiben(ziel, &seiten) : pdfSchreiben(ziel);
     if (!fehler.empty()) {
         m_fenster.nachricht(QMessageBox::Warning, ausUtf8(fehler));
         return;
@@ -316,7 +367,12 @@ void BlattBereich::alsPdfSpeichern() {
     } catch (const Fehler&) {
         // The sheet is saved; only the folder is not remembered for next time.
     }
-    status(QStringLiteral("Notenblatt gespeichert: %1").arg(ausPfad(ziel)));
+    if (seiten > 1)
+        status(QStringLiteral("Notenblatt gespeichert: %1 Seiten, %2 bis %3")
+                   .arg(seiten)
+                   .arg(ausPfad(blatt::svgDateien(ziel, seiten).front()), ausPfad(blatt::svgDateien(ziel, seiten).back().filename())));
+    else
+        status(QStringLiteral("Notenblatt gespeichert: %1").arg(ausPfad(ziel)));
 }
 
 // ---------------------------------------------------------------- printing

@@ -1,6 +1,6 @@
 #pragma once
 // Everything of the note sheet in the window: the "Notenblatt" view, its options page, saving it
-// as PDF, printing it with a preview, and lighting the notes while a track plays. The window
+// as PDF or SVG, printing it with a preview, and lighting the notes while a track plays. The window
 // tells it when the piece changed (a conversion, a mix, the transposition slider, the harp size).
 #include "blatt/BlattElemente.h"
 #include "blatt/BlattStueck.h"
@@ -39,7 +39,7 @@ public:
     BlattBereich(frmLyrabo& fenster, CProgramm& programm);
     ~BlattBereich() override;
 
-    // The view with its zoom bar, the options page, and the three entries of the "Datei" menu.
+    // The view with its zoom bar, the options page, and the four entries of the "Datei" menu.
     QFrame* ansichtAnlegen(QWidget* eltern);
     QFrame* optionenAnlegen(QWidget* eltern);
     void menueEintraege(QMenu* datei);
@@ -59,6 +59,7 @@ public:
 
     // ---- menu commands ----
     void alsPdfSpeichern();
+    void alsSvgSpeichern();
     void drucken();
     void druckVorschau();
 
@@ -68,6 +69,8 @@ public:
     const blatt::Einstellungen& einstellungen() const;
     // Writes the sheet shown as a PDF; "" or a German message.
     std::string pdfSchreiben(const std::filesystem::path& ziel) const;
+    // The same as SVG, one file per page; `seiten` gets their number. "" or a German message.
+    std::string svgSchreiben(const std::filesystem::path& ziel, size_t* seiten = nullptr) const;
 
     // Tests answer the print dialog: they set up the printer and return true to print.
     using DruckerAntwort = std::function<bool(QPrinter&)>;
@@ -77,6 +80,8 @@ private:
     int saiten() const;
     void neuSetzen();
     void optionenZeigen();
+    // "Notenblatt als PDF/SVG speichern…": the dialog, the question before replacing, the file(s).
+    void speichern(bool svg);
     void optionGeaendert();
     void infoZeigen();
     // The sheet to print on this printer: as shown, or after asking, cut into strips that fit.
@@ -105,10 +110,14 @@ private:
     QRadioButton* opQuerformat = nullptr;
     QDoubleSpinBox* spinSaitenabstand = nullptr;
     QDoubleSpinBox* spinMmProViertel = nullptr;
-    QCheckBox* chAufEineSeite = nullptr;
+    QComboBox* comboNotenform = nullptr;
+    QCheckBox* chEinpassen = nullptr;
+    QCheckBox* chKurzePausen = nullptr;
+    QCheckBox* chWiederholungen = nullptr;
     QCheckBox* chNotenTexte = nullptr;
     QCheckBox* chMelodieLinie = nullptr;
     QAction* mBlattAlsPdf = nullptr;
+    QAction* mBlattAlsSvg = nullptr;
     QAction* mBlattDrucken = nullptr;
     QAction* mBlattVorschau = nullptr;
 };

@@ -38,6 +38,31 @@ wird <tt>.wdb</tt> angehängt. Lyrabo meldet „Daten gespeichert!“.</li>
 jede Zeile ist ein Akkord (oder die Anfangspause), jede Spalte eine Saite.</li>
 </ol>
 
+<h2><a name="notenblatt"></a>Das Notenblatt</h2>
+<p>Ist eine Spur umgerechnet, zeigt der Reiter <i>Notenblatt</i> das Blatt zum Unterlegen. Auf der Seite
+<i>Notenblatt</i> unten werden für jede Harfengröße eingestellt:</p>
+<ul>
+<li><b>Papier, Lage und Saitenabstand</b> – Abstand zweier Saiten Ihrer Harfe von Mitte zu Mitte;
+gedruckt wird immer in Originalgröße.</li>
+<li><b>Auf ein Blatt einpassen</b> (ein): das ganze Lied wird so dicht gesetzt, dass es ein Blatt füllt,
+damit Sie beim Spielen nicht umlegen müssen. Passt es auch dann nicht, wird es an Taktstrichen
+gleichmäßig auf möglichst wenige Blätter verteilt. Aus: das Lied steht mit seinen natürlichen Abständen.</li>
+<li><b>Notenform</b>: <i>Tischharfe (ohne Hals)</i> zeigt den Wert einer Note an Größe und Füllung des
+Kopfes, wie auf gekauften Unterlegblättern (eine Zeile am Fuß jeder Seite erklärt die Formen);
+<i>mit Hals</i> zeichnet Notenköpfe mit Hals und Fähnchen.</li>
+<li><b>Kurze Pausen schließen</b> (ein): eine Pause kürzer als eine Achtel zwischen zwei Noten – viele
+MIDI-Dateien spielen jede Note etwas zu kurz – wird nicht gezeichnet; die Note davor wird um ihre Länge
+verlängert. Das ändert nur das Blatt, nicht den Harfen-Text und nicht die Works-Datei.</li>
+<li><b>Wiederholungen zusammenfassen</b> (ein): Takte, die noch einmal gespielt werden, stehen nur einmal
+auf dem Blatt.</li>
+<li><b>Liedtext an den Noten</b> und <b>Melodielinie</b> schalten diese Teile des Blattes ein und aus.</li>
+</ul>
+<p><i>Datei → Notenblatt als PDF speichern…</i> schreibt das Blatt als PDF-Datei,
+<i>Datei → Notenblatt als SVG speichern…</i> als Vektorgrafik für ein Zeichenprogramm oder eine Webseite:
+eine Datei je Seite, <tt>Name.svg</tt> bei einer Seite, sonst <tt>Name-1.svg</tt>, <tt>Name-2.svg</tt> usw.
+Der Titel des Blattes ist der Name des Stücks: der Name der ersten Spur, wenn sie das Stück nennt,
+sonst der Name der gewählten Spur, sonst der Name der Datei.</p>
+
 <h2><a name="harfe"></a>25 oder 37 Saiten</h2>
 <p>Im Menü <i>Harfe</i> wird die Harfengröße gewählt (Haken = 37 Saiten). Danach richtet sich, welche
 Vorlagen aus dem Ordner <tt>ini</tt> für die Works-Datei benutzt werden. <i>Vorlagen-Abschnitte neu schneiden</i>

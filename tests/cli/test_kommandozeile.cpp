@@ -1,6 +1,7 @@
 // Runs the real lyrabo-cli from a private program folder (its own copy beside its own ini/ and
 // data/) and compares what it writes with what the core computes the way the window gets it.
 #include "app/core/CProgramm.h"
+#include "blattmaler/BlattMaler.h"
 #include "blattmaler/BlattPdf.h"
 #include "engine/CKLNCreator.h"
 #include "export/CWDBCreator.h"
@@ -14,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
+#include <QXmlStreamReader>
 
 #include <cstdlib>
 #include <functional>
@@ -292,6 +294,62 @@ TEST_F(CliTest, NotenblattIstDasDesFensters) {
     EXPECT_NE(mix, lesen(datei("k.pdf")));
 }
 
+// The root of an SVG file: width and height as written, "" when the file is no well-formed XML.
+std::pair<std::string, std::string> svgGroesse(const fs::path& p) {
+    const std::string bytes = lesen(p);
+    QXmlStreamReader xml(QByteArray(bytes.data(), qsizetype(bytes.size())));
+    std::pair<std::string, std::string> groesse;
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == QStringLiteral("svg") && groesse.first.empty())
+            groesse = {xml.attributes().value("width").toString().toStdString(),
+                       xml.attributes().value("height").toString().toStdString()};
+    }
+    return xml.hasError() ? std::pair<std::string, std::string>{} : groesse;
+}
+
+// SVG: one well-formed file per page, of the page's size in millimetres, DATEI.svg for one page and
+// DATEI-1.svg, DATEI-2.svg for more; from the command line the same drawing as the window's.
+TEST_F(CliTest, NotenblattAlsSvgEineDateiJeSeite) {
+    QtUmgebung::bereit();
+    blatt::Blatt zwei;
+    zwei.seiten.resize(2);
+    zwei.seiten[0].breite = 420, zwei.seiten[0].hoehe = 297;
+    zwei.seiten[1].breite = 210, zwei.seiten[1].hoehe = 297;
+    for (auto& seite : zwei.seiten) {
+        seite.elemente.push_back({blatt::Linie{{10, 10}, {100, 10}, 0.3, {0, 0, 0}}, -1});
+        seite.elemente.push_back({blatt::Text{{10, 20}, "Grüße & <Noten>", 12}, -1});
+    }
+    ASSERT_EQ(blatt::alsSvg(zwei, datei("b.svg"), "Probe"), "");
+    EXPECT_FALSE(fs::exists(datei("b.svg")));
+    EXPECT_EQ(svgGroesse(datei("b-1.svg")), std::make_pair(std::string("420mm"), std::string("297mm")));
+    EXPECT_EQ(svgGroesse(datei("b-2.svg")), std::make_pair(std::string("210mm"), std::string("297mm")));
+    zwei.seiten.pop_back();
+    ASSERT_EQ(blatt::alsSvg(zwei, datei("e.svg"), "Probe"), "");
+    EXPECT_EQ(svgGroesse(datei("e.svg")).first, "420mm");
+    // A folder in the file's place: a German message, the folder stays.
+    fs::create_directories(datei("ordner.svg") / "drin");
+    EXPECT_EQ(blatt::alsSvg(zwei, datei("ordner.svg"), "Probe"), "Das Notenblatt \"ordner.svg\" kann nicht geschrieben werden.");
+    EXPECT_TRUE(fs::exists(datei("ordner.svg") / "drin"));
+
+    const fs::path pfad = midi("lied.mid"), aus = datei("aus");
+    Lauf l = lauf({"convert", pfad.string(), "--svg", datei("s.svg").string(), "--notenform", "hals"});
+    Lauf stapel = lauf({"convert", pfad.string(), "--ausgabe", aus.string(), "--formate", "svg"});
+    for (const Lauf& x : {l, stapel}) EXPECT_EQ(x.code, 0) << x.fehler;
+    Kern k(programm, pfad, 2);
+    size_t seiten = 0;
+    blatt::Einstellungen e = blatt::standardFuer(37);
+    ASSERT_EQ(notenblattSvg(k.programm, k.programm.KlangNoten, 2, e, datei("k.svg"), &seiten), "");
+    e.notenform = blatt::Notenform::Hals;
+    ASSERT_EQ(notenblattSvg(k.programm, k.programm.KlangNoten, 2, e, datei("h.svg")), "");
+    const auto erwartet = blatt::svgDateien(datei("k.svg"), seiten);
+    EXPECT_EQ(dateienIn(aus).size(), seiten);
+    for (size_t i = 0; i < seiten; ++i) {
+        EXPECT_EQ(lesen(blatt::svgDateien(aus / "lied.svg", seiten)[i]), lesen(erwartet[i]));
+        EXPECT_EQ(lesen(blatt::svgDateien(datei("s.svg"), seiten)[i]), lesen(blatt::svgDateien(datei("h.svg"), seiten)[i]));
+        EXPECT_EQ(svgGroesse(erwartet[i]), std::make_pair(std::string("420mm"), std::string("297mm")));
+    }
+}
+
 // A song of 500 notes (chords, rests, lyrics, ties) stays a small file: vector shapes, one font.
 TEST_F(CliTest, NotenblattVon500NotenBleibtUnter300KB) {
     MidiBauer b(480);
@@ -395,7 +453,8 @@ TEST_F(CliTest, AbgeschnitteneRiffDateienGebenEineDeutscheMeldung) {
 // Exit codes: 2 a wrong call, 3 a file that cannot be read, 4 a conversion that fails, 5 an output
 // that cannot be written. Whatever fails, the text already there stays as it was.
 TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) {
-    const std::string lied_ = midi("lied.mid").string(), h = datei("h.txt").string(), pdf = datei("p.pdf").string();
+    const std::string lied_ = midi("lied.mid").string(), h = datei("h.txt").string(), pdf = datei("p.pdf").string(),
+                      svg = datei("s.svg").string();
     schreiben(h, "alt");
     schreiben(pdf, "alt");
     fs::create_directories(pdf + ".lyrabo-tmp/belegt");  // the sheet's temporary file cannot be made
@@ -428,6 +487,11 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
         {{"convert", lied_, "--pdf", pdf, "--saitenabstand", "9"}, 2, "zwischen 10 und 14 Millimetern"},
         {{"convert", lied_, "--papier", "A5", "--pdf", pdf}, 2, "A4 oder A3"},
         {{"convert", lied_, "--quer", "--harfentext", h}, 2, "nur zusammen mit --pdf"},
+        {{"convert", lied_, "--kurze-pausen", "nein", "--harfentext", h}, 2, "nur zusammen mit --pdf"},
+        {{"convert", lied_, "--notenform", "stiel", "--svg", svg}, 2, "harfe oder hals"},
+        {{"convert", lied_, "--einpassen", "vielleicht", "--pdf", pdf}, 2, "ja oder nein"},
+        {{"convert", lied_, "--ausgabe", "x", "--svg", svg}, 2, "--formate mit svg"},
+        {{"convert", lied_, "--svg", (gesperrt / "s.svg").string()}, 5, "s.svg"},
         {{"mix", lied_, "--spuren", "2", "--ausgabe", "x", "--formate", "pdf,wdb"}, 2, "mix schreibt nur"},
         {{"convert", lied_, "--pdf", pdf}, 5, "Das Notenblatt \"p.pdf\" kann nicht geschrieben werden."},
         {{"mix", lied_, "--spuren", "2", "--pdf", (gesperrt / "m.pdf").string()}, 5, "m.pdf"},

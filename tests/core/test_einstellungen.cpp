@@ -189,6 +189,8 @@ TEST(BlattDaten, HinUndZurueckOderDieVorgaben) {
     std::filesystem::create_directory(t / "data");
     BlattDaten d;
     d.saiten25 = {blatt::Papier::A3, false, 13.4, 7.5, true, false, false};
+    d.saiten25.einpassen = d.saiten25.kurzePausenSchliessen = d.saiten25.wiederholungenZusammenfassen = false;
+    d.saiten37.notenform = blatt::Notenform::Hals;
     d.saiten37.saitenAbstand = 10;
     d.pdfOrdner = "/home/anna/Noten für Harfe";
     blattDatenSchreiben(d, t.pfad());
@@ -207,11 +209,16 @@ TEST(BlattDaten, HinUndZurueckOderDieVorgaben) {
         {"Zahl mit Rest", "[25 Saiten]\nMmProViertel=6mm\n"},
         {"unbekannter Schlüssel", "[25 Saiten]\nFarbe=rot\n"},
         {"ja oder nein", "[25 Saiten]\nNotenTexte=1\n"},
+        {"Notenform", "[37 Saiten]\nNotenform=Stiel\n"},
+        {"Einpassen", "[37 Saiten]\nEinpassen=vielleicht\n"},
+        // A file of an older version: "AufEineSeite" is read and ignored, the new keys take their defaults.
+        {"alte Datei", "[25 Saiten]\nPapier=A4\nAufEineSeite=ja\n[37 Saiten]\nAufEineSeite=nein\n"},
     };
     for (const auto& k : kaputt) {
         dateiErsetzen(blattDatenPfad(t.pfad()), k.inhalt);
         EXPECT_EQ(blattDatenText(blattDatenLesen(t.pfad())), vorgaben) << k.was;
     }
+    EXPECT_TRUE(blattDatenAusText("[37 Saiten]\nAufEineSeite=ja\n").has_value());
     std::filesystem::remove(blattDatenPfad(t.pfad()));
     EXPECT_EQ(blattDatenText(blattDatenLesen(t.pfad())), vorgaben);
     // Nothing of it touches the user settings file.

@@ -2,6 +2,7 @@
 // line's, printing keeps the size, dropped files, and the notes lit while the music plays.
 #include "FensterUmgebung.h"
 
+#include "blattmaler/BlattMaler.h"
 #include "settings/BlattDaten.h"
 #include "ui/BlattAnsicht.h"
 #include "ui/BlattBereich.h"
@@ -121,8 +122,15 @@ TEST(Notenblatt, AnsichtZeichnetNachJederAenderungNeu) {
         vorher = jetzt;
         text = u.fenster().klangNotenText();
     }
+    // The layout's switches, kept like the others for the harp shown, now 25 strings (what they
+    // change on the sheet the layout's tests check).
+    for (const char* name : {"chEinpassen", "chKurzePausen", "chWiederholungen"}) klick(name)(u);
+    setzen<QComboBox, int>("comboNotenform", &QComboBox::setCurrentIndex, 1)(u);
     // Every change was kept in the sheet's own file; the user settings file is as it was.
     BlattDaten erwartet;
+    erwartet.saiten25.einpassen = erwartet.saiten25.kurzePausenSchliessen = false;
+    erwartet.saiten25.wiederholungenZusammenfassen = false;
+    erwartet.saiten25.notenform = blatt::Notenform::Hals;
     erwartet.saiten37.papier = blatt::Papier::A4;
     erwartet.saiten37.quer = false;
     erwartet.saiten37.saitenAbstand = 12;
@@ -166,6 +174,17 @@ TEST(Notenblatt, PdfAusDemMenueIstDasDerKommandozeile) {
         ausfuehren(QStringLiteral(LYRABO_CLI), f.cli + QStringList{"--pdf", QString::fromStdString(cli.string())});
         ASSERT_TRUE(std::filesystem::exists(fenster)) << f.was;
         EXPECT_TRUE(lesen(fenster) == lesen(cli)) << f.was;
+    }
+
+    // SVG from the menu: the command line's files, one per page.
+    const auto svg = u.ordner() / "fenster.svg", cliSvg = u.ordner() / "cli.svg";
+    u.dialogAntworten.push_back(QString::fromStdString((u.ordner() / "fenster").string()));
+    u.menue("mBlattAlsSvg")->trigger();
+    ausfuehren(QStringLiteral(LYRABO_CLI), faelle[3].cli + QStringList{"--svg", QString::fromStdString(cliSvg.string())});
+    const size_t seiten = ansicht(u).blatt().seiten.size();
+    for (size_t i = 0; i < seiten; ++i) {
+        ASSERT_TRUE(std::filesystem::exists(blatt::svgDateien(svg, seiten)[i]));
+        EXPECT_TRUE(lesen(blatt::svgDateien(svg, seiten)[i]) == lesen(blatt::svgDateien(cliSvg, seiten)[i]));
     }
 
     // An existing file is replaced only when the user says so; a folder that is not there gets

@@ -7,6 +7,8 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <set>
+#include <string_view>
 
 namespace lyrabo {
 
@@ -68,6 +70,44 @@ std::filesystem::path geladeneDatei(CProgramm& programm) {
 
 } // namespace
 
+namespace {
+
+std::string ohneRand(const std::string& s) {
+    const auto anfang = s.find_first_not_of(" \t\r\n");
+    if (anfang == std::string::npos) return "";
+    return s.substr(anfang, s.find_last_not_of(" \t\r\n") - anfang + 1);
+}
+
+} // namespace
+
+bool nenntStueck(const std::string& name) {
+    std::string n = ohneRand(name);
+    if (n.empty() || n.front() == ':') return false;
+    for (char& c : n)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    // What numbers a track rather than names it: digits, "(null)" of a missing name, signs.
+    for (std::string_view null = "(null)";;) {
+        const auto pos = n.find(null);
+        if (pos == std::string::npos) break;
+        n.erase(pos, null.size());
+    }
+    const std::string_view zaehlt = " \t0123456789#-_.:/()[]";
+    const auto anfang = n.find_first_not_of(zaehlt);
+    if (anfang == std::string::npos) return false;
+    n = n.substr(anfang, n.find_last_not_of(zaehlt) - anfang + 1);
+    static const std::set<std::string_view> kAllgemein = {
+        "track", "spur", "untitled", "unbenannt", "ohne titel", "no name", "noname", "new track", "neue spur",
+        "sequence", "sequenz", "instrument", "channel", "kanal", "staff", "system", "tempo", "tempo track",
+        "conductor", "melody", "melodie", "voice", "stimme", "part", "piano", "klavier"};
+    return kAllgemein.count(n) == 0;
+}
+
+std::string stueckTitel(const std::string& spurEins, const std::string& spurGewaehlt, const std::string& dateiName) {
+    if (nenntStueck(spurEins)) return ohneRand(spurEins);
+    if (nenntStueck(spurGewaehlt)) return ohneRand(spurGewaehlt);
+    return dateiName;
+}
+
 std::string blattTitel(CProgramm& programm, int16_t spur) {
     Midifile& mf = programm.Midifile1;
     const std::string datei = geladeneDatei(programm).stem().string();
@@ -82,10 +122,9 @@ std::string blattTitel(CProgramm& programm, int16_t spur) {
         }
         return std::string();
     };
-    // The track's own name; in a file of several tracks the first one's name is the song's title.
-    std::string titel = spur >= 1 ? name(spur) : "";
-    if (titel.empty() && mf.TrackCount() >= 1) titel = name(1);
-    if (titel.empty()) titel = datei;
+    const std::string eins = mf.TrackCount() >= 1 ? name(1) : "";
+    const std::string gewaehlt = spur >= 1 ? name(spur) : "";
+    const std::string titel = stueckTitel(eins, gewaehlt, datei);
     if (spurVorher >= 1) {
         mf.Track(spurVorher);
         if (ereignisVorher >= 1 && ereignisVorher <= mf.EventCount()) mf.Event(ereignisVorher);
