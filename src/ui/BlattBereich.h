@@ -94,6 +94,7 @@ private:
     CProgramm& m_programm;
     BlattDaten m_daten;
     std::optional<blatt::Stueck> m_stueck;
+    blatt::Stueck m_geschrieben; // the piece as the shown sheet writes it, its repeats once: what playback lights
     bool m_mischung = false;
     int16_t m_spur = 0;  // track the sheet shows; 0 for a mix
     bool m_sperre = false;  // while the page's controls are set from the settings
