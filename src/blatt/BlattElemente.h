@@ -82,6 +82,7 @@ struct Element {
 struct Zeitmarke {
     int32_t tick = 0;
     double y = 0;
+    double taktRaum = 0; // room above this row that its bar line adds (0 within a bar)
 };
 
 struct Seite {

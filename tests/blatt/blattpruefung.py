@@ -5,8 +5,9 @@
 - pdftotext -bbox: the row of string names (g, gis, a, ... g''') is there, in order, and the names'
   centres lie on a grid of the string spacing; on a page that shows every string, first to last is
   (strings - 1) x spacing.
-- pdftoppm -r 300: every note head (a filled or hollow ellipse of about 2.7 x 1.9 mm) in the music
-  area sits centred on the x of a string as the names measure it.
+- pdftoppm -r 300: every note head (a filled or hollow ellipse from 1.8 x 1.3 mm, a sixteenth in the
+  table-harp shapes, to 3.5 x 2.5 mm, a whole note) in the music area sits centred on the x of a
+  string as the names measure it.
 
 Usage: blattpruefung.py --saiten 37 --abstand 11.5 --papier A3 --quer|--hoch [--koepfe] DATEI.pdf...
 """
@@ -101,10 +102,11 @@ def pgm_lesen(pfad):
 def koepfe(bild, oben, unten):
     """Centres (x, y in mm) of the note heads between y = oben and y = unten (mm).
 
-    Dark pixels, eroded by 0.55 mm: lines, stems, flags, dots, ties, rests and small text vanish,
-    the core of a head stays. A core is a head when, grown back, it has the head's half axes (about
-    1.35 and 0.95 mm). Hollow heads are found with small holes filled; filled heads also without,
-    as filling the corner between a head, its stem and a flag would make a larger blob of them."""
+    Dark pixels, eroded by 0.4 mm: lines, stems, flags, dots, ties, rests and small text vanish,
+    the core of a head stays. A core is a head when, grown back, it has a head's half axes (from
+    0.9 x 0.65 mm for the smallest to 1.75 x 1.25 mm for a whole note). Hollow heads are found with
+    small holes filled; filled heads also without, as filling the corner between a head, its stem
+    and a flag would make a larger blob of them."""
     import numpy as np
     from scipy import ndimage
 
@@ -114,10 +116,10 @@ def koepfe(bild, oben, unten):
     loecher, anzahl = ndimage.label(ndimage.binary_fill_holes(dunkel) & ~dunkel)
     gefuellt = dunkel
     if anzahl:
-        klein = np.bincount(loecher.ravel()) <= px(1) ** 2 * 4.0
+        klein = np.bincount(loecher.ravel()) <= px(1) ** 2 * 6.0
         klein[0] = False
         gefuellt = dunkel | klein[loecher]
-    r = px(0.55)
+    r = px(0.4)
     R = int(np.ceil(r))
     yy, xx = np.mgrid[-R:R + 1, -R:R + 1]
     scheibe = xx ** 2 + yy ** 2 <= r * r
@@ -126,8 +128,8 @@ def koepfe(bild, oben, unten):
         kerne, _ = ndimage.label(ndimage.binary_erosion(maske, structure=scheibe))
         groessen = np.bincount(kerne.ravel())
         for i, (sy, sx) in enumerate(ndimage.find_objects(kerne), start=1):
-            # A head's core is about 0.7 to 1.2 mm²; far smaller or larger ones need no closer look.
-            if not px(1) ** 2 * 0.3 <= groessen[i] <= px(1) ** 2 * 3.0:
+            # A head's core is about 0.4 to 3.6 mm²; far smaller or larger ones need no closer look.
+            if not px(1) ** 2 * 0.15 <= groessen[i] <= px(1) ** 2 * 5.5:
                 continue
             sy = slice(max(0, sy.start - R - 1), sy.stop + R + 1)
             sx = slice(max(0, sx.start - R - 1), sx.stop + R + 1)
@@ -135,7 +137,7 @@ def koepfe(bild, oben, unten):
             ys, xs = np.nonzero(ndimage.binary_dilation(kern, structure=scheibe))
             gross, klein_ = (2 * np.sqrt(max(v, 0)) * MM_PRO_PX
                              for v in sorted(np.linalg.eigvalsh(np.cov(np.vstack((xs, ys)))), reverse=True))
-            if not (1.1 <= gross <= 1.75 and 0.75 <= klein_ <= 1.25):
+            if not (0.75 <= gross <= 2.0 and 0.5 <= klein_ <= 1.45):
                 continue
             kys, kxs = np.nonzero(kern)
             x = (kxs.mean() + sx.start + 0.5) * MM_PRO_PX

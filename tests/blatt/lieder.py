@@ -36,6 +36,12 @@ PAPIERE = [
     # Its last note ends past the bar table, where filling the last bar with rests fails.
     ("coventry_carol", 37, ["--ohne-pausen-letzter-takt"], "A3", True, 11.5),    # 3/4, 4/4, 3/2
 ]
+# The shapes with stems: heads, stems and flags on the grid as well.
+HALS = [
+    ("greensleeves", 37, ["--notenform", "hals"], "A3", True, 11.5),
+    ("irish_washerwoman", 25, ["--notenform", "hals"], "A4", True, 11.5),       # two pages
+    ("stille_nacht", 37, ["--notenform", "hals", "--papier", "A4"], "A4", True, 11.5),  # strips
+]
 
 
 def lauf(*befehl, **kw):
@@ -98,11 +104,12 @@ def noten_im_text(txt, takte=None):
 
 
 def takte_auf_seite_1(pdf):
-    """The bar numbers printed left of the first string on page 1."""
+    """The bar numbers printed between the first two strings on page 1, above the foot."""
     woerter = blattpruefung.woerter(pdf)[0]
     zeile, unten = blattpruefung.namenszeile(woerter, blattpruefung.saiten_namen(37))
-    links = zeile[0][1] if zeile else 0
-    return {int(w[0]) for w in woerter if w[0].isdigit() and w[3] < links and w[2] > unten}
+    links, rechts = (zeile[0][1], zeile[1][1]) if len(zeile) > 1 else (0, 0)
+    fuss = min((w[2] for w in woerter if w[0] == "100" and w[2] > unten), default=1e9)
+    return {int(w[0]) for w in woerter if w[0].isdigit() and links < w[1] < rechts and unten < w[2] < fuss}
 
 
 def pruefe(pdf, saiten, papier, quer, abstand, koepfe_mindestens=None, seiten=None):
@@ -159,9 +166,10 @@ def lieder_pruefen(cli, abc_ordner, arbeit):
 
 def papiere_pruefen(cli, abc_ordner, arbeit):
     lieder = midi_dateien(abc_ordner, arbeit)
+    tabelle = PAPIERE + HALS
 
     def pruefung(nr):
-        lied, saiten, optionen, papier, quer, abstand = PAPIERE[nr]
+        lied, saiten, optionen, papier, quer, abstand = tabelle[nr]
         wo = f"{lied} {' '.join(optionen)}"
         mid = lieder[lied][0][TEILUNGEN.index(480)]
         pdf, txt = os.path.join(arbeit, f"{nr}-{lied}.pdf"), os.path.join(arbeit, f"{nr}-{lied}.txt")
@@ -178,8 +186,8 @@ def papiere_pruefen(cli, abc_ordner, arbeit):
             ([] if gesehen == set(range(saiten)) else [f"{wo}: die Seiten zeigen nicht alle {saiten} Saiten"])
 
     with ThreadPoolExecutor(2) as pool:
-        fehler = [f for liste in pool.map(pruefung, range(len(PAPIERE))) for f in liste]
-    print(f"{len(PAPIERE)} Notenblätter mit anderem Papier, Saitenabstand oder anderer Transposition geprüft")
+        fehler = [f for liste in pool.map(pruefung, range(len(tabelle))) for f in liste]
+    print(f"{len(tabelle)} Notenblätter mit anderem Papier, Saitenabstand, Transposition oder Notenform geprüft")
     return fehler
 
 

@@ -1,5 +1,6 @@
 // The note sheet's layout asked where things went: heads on their strings, the written values a
-// harp player reads, bars, pages and strips.
+// harp player reads, rows spaced by what the eye needs, bars, pages and strips.
+#include "blatt/Abstaende.h"
 #include "blatt/BlattSatz.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +30,7 @@ std::vector<Kopf> koepfe(const Blatt& b, int32_t note) {
     std::vector<Kopf> k;
     for (size_t s = 0; s < b.seiten.size(); ++s)
         for (const auto& el : b.seiten[s].elemente)
-            if (auto* e = std::get_if<Ellipse>(&el.form); e && el.note == note && e->rx > 1) k.push_back({s, *e});
+            if (auto* e = std::get_if<Ellipse>(&el.form); e && el.note == note && e->rx > 0.5) k.push_back({s, *e});
     return k;
 }
 template <typename T>
@@ -76,7 +77,9 @@ TEST(BlattSatz, NotenwerteWerdenGeschriebenWieGelesen) {
     };
     for (const auto& f : faelle) {
         SCOPED_TRACE("tpq " + std::to_string(f.tpq) + ", Länge " + std::to_string(f.laenge));
-        const Blatt b = setzen(lied({{0, f.laenge, 67}}, f.tpq), standardFuer(37));
+        Einstellungen e = standardFuer(37);
+        e.notenform = Notenform::Hals;
+        const Blatt b = setzen(lied({{0, f.laenge, 67}}, f.tpq), e);
         const auto k = koepfe(b, 0);
         ASSERT_EQ(int(k.size()), f.koepfe);
         EXPECT_EQ(!k[0].e.gefuellt, f.hohl);
@@ -85,6 +88,30 @@ TEST(BlattSatz, NotenwerteWerdenGeschriebenWieGelesen) {
         EXPECT_EQ(zaehlen<Pfad>(s, 0, [](const Pfad& p) { return hoehe(p) < 3; }), f.fahnen);
         EXPECT_EQ(zaehlen<Pfad>(s, 0, [](const Pfad& p) { return hoehe(p) >= 3; }), f.boegen);
         EXPECT_EQ(zaehlen<Ellipse>(s, 0, [&](const Ellipse& e) { return e.rx < 1 && e.mitte.x > k[0].e.mitte.x; }), f.punkte);
+    }
+}
+
+// The table-harp shapes: no stems or flags, the value shown by size and fill.
+TEST(BlattSatz, HarfenformZeigtDenWertAnGroesseUndFuellung) {
+    struct Fall {
+        int32_t laenge;
+        bool hohl;
+        int punkte;
+    } faelle[] = {{1920, true, 0}, {960, true, 0}, {480, false, 0}, {240, false, 0}, {120, false, 0}, {720, false, 1}};
+    double vorige = 99;
+    for (const auto& f : faelle) {
+        const Blatt b = setzen(lied({{0, f.laenge, 67}}), standardFuer(37));
+        const auto k = koepfe(b, 0);
+        ASSERT_EQ(k.size(), 1u) << f.laenge;
+        EXPECT_EQ(!k[0].e.gefuellt, f.hohl) << f.laenge;
+        EXPECT_EQ(zaehlen<Linie>(b.seiten[0], 0, [](const Linie&) { return true; }), 0) << "Hals bei " << f.laenge;
+        EXPECT_EQ(zaehlen<Pfad>(b.seiten[0], 0, [](const Pfad&) { return true; }), 0) << "Fahne bei " << f.laenge;
+        EXPECT_EQ(zaehlen<Ellipse>(b.seiten[0], 0, [](const Ellipse& e) { return e.rx < 0.5; }), f.punkte);
+        if (f.punkte == 0) {
+            EXPECT_LE(k[0].e.rx * k[0].e.ry, vorige) << "kürzer, aber nicht kleiner: " << f.laenge;
+            vorige = k[0].e.rx * k[0].e.ry;
+        }
+        EXPECT_TRUE(textDa(b.seiten[0], "Sechzehntel")); // the legend
     }
 }
 
@@ -129,7 +156,10 @@ TEST(BlattSatz, AkkordAufEinerZeileMitVerbindungslinie) {
     for (int i : {1, 2}) EXPECT_EQ(koepfe(b, i)[0].e.mitte.y, y);
     EXPECT_GT(koepfe(b, 3)[0].e.mitte.y, y + 4);
     const double links = 3.0 + 5 * 11.5, rechts = 3.0 + 12 * 11.5;
-    EXPECT_EQ(zaehlen<Linie>(b.seiten[0], -1, [&](const Linie& l) { return l.a.y == y && l.b.y == y && l.a.x == links && l.b.x == rechts; }), 1);
+    // A thin dashed line from the outer heads' edges.
+    EXPECT_EQ(zaehlen<Linie>(b.seiten[0], -1, [&](const Linie& l) {
+                  return l.gestrichelt && l.staerke < 0.3 && l.a.y == y && l.b.y == y && std::abs(l.a.x - links - 1.65) < 0.2 && std::abs(l.b.x - rechts + 1.65) < 0.2;
+              }), 1);
 }
 
 TEST(BlattSatz, TransposeVorschlagBringtAlleAufDieSaiten) {
@@ -154,35 +184,89 @@ TEST(BlattSatz, TransposeVorschlagBringtAlleAufDieSaiten) {
     }
 }
 
-// A long song: pages break at bar lines only, and every head stays inside the music area.
-TEST(BlattSatz, SeitenBrechenAmTaktstrich) {
+// Rows and the room between them, read from the heads: y of note i's first head.
+double yVon(const Blatt& b, int32_t note) { return koepfe(b, note).at(0).e.mitte.y; }
+
+// A song that cannot fit one sheet: as few sheets as needed, broken at bar lines, filled about
+// evenly; every head inside the music area. A note far behind the music costs no pages.
+TEST(BlattSatz, ZuLangeLiederTeilenSichGleichmaessigAmTaktstrich) {
     std::vector<std::array<int32_t, 3>> noten;
-    for (int i = 0; i < 400; ++i) noten.push_back({i * 240, 240, 60 + i % 12});
-    const Blatt b = setzen(lied(noten, 480, 50), standardFuer(37));
-    ASSERT_GT(b.seiten.size(), 2u);
-    for (const auto& s : b.seiten) {
+    for (int i = 0; i < 230; ++i) noten.push_back({i * 240, 240, 60 + (i % 2) * 2}); // two strings in turn
+    const Blatt b = setzen(lied(noten, 480, 29), standardFuer(37));
+    ASSERT_EQ(b.seiten.size(), 2u);
+    double genutzt[2] = {0, 0};
+    for (size_t i = 0; i < 2; ++i) {
+        const Seite& s = b.seiten[i];
         ASSERT_FALSE(s.zeit.empty());
         EXPECT_EQ(s.zeit.front().tick % 1920, 0) << "Seite beginnt mitten im Takt";
-        const double yTakt = s.zeit.front().y - 2.3;
-        EXPECT_EQ(zaehlen<Linie>(s, -1, [&](const Linie& l) { return std::abs(l.a.y - yTakt) < 1e-9 && l.a.y == l.b.y; }), 1);
+        EXPECT_LE(s.zeit.front().y, 20.0) << "Seitenkopf höher als 20 mm";
+        EXPECT_TRUE(textDa(s, "Seite " + std::to_string(i + 1) + " von 2"));
         for (const auto& el : s.elemente)
-            if (auto* e = std::get_if<Ellipse>(&el.form); e && el.note >= 0) {
-                EXPECT_GT(e->mitte.y, 31.0);
-                EXPECT_LT(e->mitte.y + 4, s.hoehe - 12.0);
-            }
+            if (auto* e = std::get_if<Ellipse>(&el.form); e && el.note >= 0) EXPECT_LT(e->mitte.y + e->ry, s.hoehe - 7.8);
+        genutzt[i] = s.zeit.back().y - s.zeit.front().y;
     }
-    EXPECT_TRUE(textDa(b.seiten.back(), "Seite " + std::to_string(b.seiten.size()) + " von " + std::to_string(b.seiten.size())));
-    // A note far behind the music: the empty bars before it are one line, not thousands of pages.
+    EXPECT_NEAR(genutzt[0], genutzt[1], 0.1 * genutzt[0]) << "ungleich gefüllt";
     const Blatt weit = setzen(lied({{0, 480, 60}, {1 << 26, 480, 62}}, 480, 1), standardFuer(37));
     EXPECT_EQ(weit.seiten.size(), 1u);
     EXPECT_TRUE(textDa(weit.seiten[0], ": nichts zu spielen"));
-    // "auf eine Seite" squeezes a short song onto one page, never below 4 mm a quarter.
-    Einstellungen eng = standardFuer(37);
-    eng.aufEineSeite = true;
+}
+
+// Room by what the eye needs: a whole note about three times a sixteenth's room, not sixteen
+// times; fitting squeezes a long song onto one sheet and never stretches a short one.
+TEST(BlattSatz, RaumWaechstMitDerZeitNurLogarithmisch) {
+    // A whole note, then a run of sixteenths on strings side by side.
+    Stueck s = lied({{0, 1920, 60}, {1920, 120, 62}, {2040, 120, 64}, {2160, 120, 65}, {2280, 120, 67}}, 480, 2);
+    const Blatt b = setzen(s, standardFuer(37));
+    const double ganze = yVon(b, 1) - yVon(b, 0), sechzehntel = yVon(b, 2) - yVon(b, 1);
+    EXPECT_GT(sechzehntel, 0);
+    EXPECT_NEAR(ganze - kTaktZugabe, 3 * sechzehntel, 0.5) << "Ganze " << ganze << ", Sechzehntel " << sechzehntel;
+    EXPECT_NEAR(sechzehntel, natuerlicherAbstand(480, 480), 1e-9) << "ein kurzes Lied wird nicht gestreckt";
+
     std::vector<std::array<int32_t, 3>> viertel;
-    for (int i = 0; i < 40; ++i) viertel.push_back({i * 480, 480, 60});
-    EXPECT_EQ(setzen(lied(viertel, 480, 10), standardFuer(37)).seiten.size(), 2u);
-    EXPECT_EQ(setzen(lied(viertel, 480, 10), eng).seiten.size(), 1u);
+    for (int i = 0; i < 40; ++i) viertel.push_back({i * 480, 480, 60 + (i % 3) * 2});
+    Einstellungen natuerlich = standardFuer(25);
+    natuerlich.einpassen = false;
+    EXPECT_EQ(setzen(lied(viertel, 480, 10, 25), natuerlich).seiten.size(), 2u);
+    EXPECT_EQ(setzen(lied(viertel, 480, 10, 25), standardFuer(25)).seiten.size(), 1u);
+}
+
+// The same string struck again: the heads never touch, 1 mm of paper between them, in every value
+// and both shapes; on strings apart the rows may pack closer.
+TEST(BlattSatz, WiederholteNoteAufEinerSaite) {
+    struct Fall {
+        int32_t laenge;
+        Notenform form;
+    } faelle[] = {{120, Notenform::Harfe}, {240, Notenform::Harfe}, {1920, Notenform::Harfe}, {120, Notenform::Hals}, {480, Notenform::Hals}};
+    for (const auto& f : faelle) {
+        std::vector<std::array<int32_t, 3>> noten;
+        for (int i = 0; i < 48; ++i) noten.push_back({i * f.laenge, f.laenge, 67});
+        Einstellungen e = standardFuer(37);
+        e.notenform = f.form;
+        const Blatt b = setzen(lied(noten, 480, 48 * f.laenge / 1920 + 1), e);
+        for (int i = 1; i < 48; ++i) {
+            const auto k0 = koepfe(b, i - 1), k1 = koepfe(b, i);
+            if (k0[0].seite != k1[0].seite) continue;
+            const double stiel = f.form == Notenform::Hals ? (f.laenge == 120 ? 3.9 : 3.2) : k0[0].e.ry;
+            EXPECT_GE(k1[0].e.mitte.y - k1[0].e.ry - (k0[0].e.mitte.y + stiel), 1.0 - 1e-9) << f.laenge << ", Note " << i;
+        }
+    }
+}
+
+// A melody played detached: the short rests are closed (the notes drawn as their full values) or,
+// with the setting off, drawn as they are.
+TEST(BlattSatz, KurzePausenZwischenNotenGeschlossen) {
+    for (bool schliessen : {true, false}) {
+        Stueck s = lied({{0, 420, 60}, {480, 420, 62}, {960, 420, 64}, {1440, 480, 65}}, 480, 1);
+        for (int32_t t : {420, 900, 1380}) s.pausen.push_back({t, 60, 60});
+        Einstellungen e = standardFuer(37);
+        e.kurzePausenSchliessen = schliessen;
+        const Blatt b = setzen(s, e);
+        const Seite& seite = b.seiten[0];
+        const int pausen = zaehlen<Pfad>(seite, -1, [&](const Pfad& p) { return p.schritte.front().p.y > 16 && p.schritte.front().p.y < seite.hoehe - 8; });
+        EXPECT_EQ(pausen > 0, !schliessen);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(koepfe(b, i)[0].e.rx == koepfe(b, 3)[0].e.rx, schliessen) << "Note " << i;
+        EXPECT_EQ(int(seite.zeit.size()), schliessen ? 5 : 8); // notes and the closing bar line, with or without the rests
+    }
 }
 
 TEST(BlattSatz, TaktartWechselAmTaktstrich) {
@@ -191,14 +275,15 @@ TEST(BlattSatz, TaktartWechselAmTaktstrich) {
     s.takte.push_back({1440, 3, 4});
     const Blatt b = setzen(s, standardFuer(37));
     const Seite& seite = b.seiten[0];
-    const double yDritter = koepfe(b, 2)[0].e.mitte.y;
     int gefunden = 0;
     for (const auto& el : seite.elemente)
         if (auto* t = std::get_if<Text>(&el.form); t && (t->text == "3/4" || t->text == "4/4")) {
             ++gefunden;
-            if (t->text == "3/4") EXPECT_NEAR(t->ort.y, yDritter - 2.3 - 1.0, 1e-9);
+            // Between the bar's first head and the row before it.
+            if (t->text == "3/4") EXPECT_TRUE(t->ort.y < yVon(b, 2) - 0.9 && t->ort.y > yVon(b, 1) + 0.9) << t->ort.y;
         }
     EXPECT_EQ(gefunden, 2); // at the start and at the change, not at every bar
+    EXPECT_TRUE(textDa(seite, "Takt 4/4"));
 }
 
 // 37 strings on A4 portrait: strips that share their border string, each with the same rows.

@@ -1,0 +1,140 @@
+#include "blatt/Musik.h"
+
+#include "blatt/Einpassen.h"
+#include "blatt/Notenzeichen.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace lyrabo::blatt {
+
+namespace {
+
+const Farbe kTaktLinie{95, 95, 95};
+const Farbe kMelodie{140, 155, 200};   // lighter than the heads, still a line the eye follows
+const Farbe kAkkord{80, 80, 80};
+const Farbe kLiedText{60, 60, 140};
+
+// Cuts a line to the stretch lo <= x <= hi; false when nothing of it is left.
+bool zuschneiden(Linie& l, double lo, double hi) {
+    if (l.a.x > l.b.x) std::swap(l.a, l.b);
+    if (l.b.x < lo || l.a.x > hi) return false;
+    auto y = [&](double x) { return l.a.x == l.b.x ? l.a.y : l.a.y + (l.b.y - l.a.y) * (x - l.a.x) / (l.b.x - l.a.x); };
+    if (l.a.x < lo) l.a = {lo, y(lo)};
+    if (l.b.x > hi) l.b = {hi, y(hi)};
+    return true;
+}
+
+// How far a head reaches from its centre in the direction (dx, dy).
+double kopfReichweite(const Zeichenmass& m, double dx, double dy) {
+    const double l = std::hypot(dx, dy);
+    if (l == 0) return m.rx;
+    const double c = dx / l, s = dy / l;
+    return 1 / std::sqrt((c / m.rx) * (c / m.rx) + (s / m.ry) * (s / m.ry));
+}
+
+} // namespace
+
+void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size_t von, size_t bis, const Stueck& st,
+                   const Einstellungen& e, const Streifenlage& lage) {
+    auto& el = seite.elemente;
+    const auto& z = zeilen.zeilen;
+    const int a = lage.a, b = lage.b;
+    auto xVon = [&](int saite) { return lage.x0 + (saite - a) * e.saitenAbstand; };
+    auto sichtbar = [&](int saite) { return saite >= a && saite <= b; };
+    const double xl = xVon(a), xr = xVon(b);
+    const Notenform form = e.notenform;
+
+    // The melody line, behind everything: from the edge of one melody head to the edge of the next.
+    if (e.melodieLinie) {
+        std::optional<std::pair<Punkt, Zeichenmass>> vorige;
+        for (size_t i = von; i < bis; ++i)
+            for (const auto& t : z[i].noten) {
+                if (!t.anfang || !st.noten[size_t(t.note)].melodie) continue;
+                const Punkt p{xVon(t.saite), z[i].y};
+                const Zeichenmass m = notenMass(t.sechzehntel, form);
+                if (vorige) {
+                    const Punkt q = vorige->first;
+                    const double dx = p.x - q.x, dy = p.y - q.y, l = std::hypot(dx, dy);
+                    const double r1 = kopfReichweite(vorige->second, dx, dy) + 0.35, r2 = kopfReichweite(m, dx, dy) + 0.35;
+                    Linie linie{{q.x + dx * r1 / l, q.y + dy * r1 / l}, {p.x - dx * r2 / l, p.y - dy * r2 / l}, 0.35, kMelodie};
+                    if (l > r1 + r2 + 0.3 && zuschneiden(linie, lage.links, lage.rechts)) el.push_back({linie});
+                }
+                vorige = {{p, m}};
+                break;
+            }
+    }
+
+    for (size_t i = von; i < bis; ++i) {
+        const Zeile& r = z[i];
+        const double y = r.y;
+        seite.zeit.push_back({int32_t(std::min<int64_t>(r.u / 4, INT32_MAX)), y, r.taktRaum});
+        if (r.taktStart) {
+            // The bar line in the room above the row; its number (and a new time signature) in the
+            // gaps between the first strings, where no head can be.
+            const double yt = y - ab.oben[i] - kTaktLinieLuft;
+            el.push_back({Linie{{xl - 1.8, yt}, {xr + 1.8, yt}, 0.25, kTaktLinie}});
+            if (r.schluss) el.push_back({Linie{{xl - 1.8, yt + 0.7}, {xr + 1.8, yt + 0.7}, 0.6, kSchwarz}});
+            const double xNummer = xl + 2.2;
+            const std::string nummer = std::to_string(r.takt);
+            if (!r.schluss) el.push_back({Text{{xNummer, yt - 0.35}, nummer, 5.5, Ausrichtung::Links, false, kGrau}});
+            if (r.leereTakte > 0)
+                el.push_back({Text{{xNummer, yt + 2.6}, "Takt " + std::to_string(r.takt) + " bis " + std::to_string(r.takt + r.leereTakte) +
+                                                   ": nichts zu spielen", 7, Ausrichtung::Links, false, kGrau}});
+            if (r.neueTaktart) {
+                const auto [zz, nn] = zeilen.taktart(r.takt);
+                const double x = b - a >= 2 ? xVon(a + 1) + 2.2 : xNummer + textBreite(nummer, 5.5) + 1.0;
+                el.push_back({Text{{x, yt - 0.35}, std::to_string(zz) + "/" + std::to_string(nn), 7, Ausrichtung::Links, true}});
+            }
+        }
+        // A chord: the notes that start here, joined by a thin dashed line between their outer heads.
+        int links = 1000, rechts = -1000;
+        double rxL = 0, rxR = 0;
+        for (const auto& t : r.noten) {
+            if (!t.anfang) continue;
+            const double rx = notenMass(t.sechzehntel, form).rx;
+            if (t.saite < links) links = t.saite, rxL = rx;
+            if (t.saite > rechts) rechts = t.saite, rxR = rx;
+        }
+        if (rechts > links) {
+            Linie l{{xVon(links) + rxL + 0.3, y}, {xVon(rechts) - rxR - 0.3, y}, 0.2, kAkkord, true};
+            if (zuschneiden(l, lage.links, lage.rechts)) el.push_back({l});
+        }
+
+        for (const auto& t : r.noten) {
+            if (!sichtbar(t.saite)) continue;
+            const Farbe f = t.richtung != 0 ? kRot : kSchwarz;
+            const Punkt m{xVon(t.saite), y};
+            const Zeichenmass mass = notenMass(t.sechzehntel, form);
+            notenZeichen(el, m, t.sechzehntel, form, f, t.note);
+            if (t.richtung != 0) pfeil(el, m, mass.rx, t.richtung, t.note);
+            const Note& no = st.noten[size_t(t.note)];
+            if (e.notenTexte && !no.text.empty() && t.anfang)
+                el.push_back({Text{{m.x + (t.textLinks ? -1 : 1) * liedTextVersatz(t.sechzehntel, form), y + kLiedTextGrundlinie}, no.text,
+                                   kLiedTextGroesse, t.textLinks ? Ausrichtung::Rechts : Ausrichtung::Links, false, kLiedText}});
+            if (t.weiter) {
+                const size_t ziel = zeilen.zeileAb(t.bisU);
+                const double y2 = ziel >= bis || ziel >= z.size() ? lage.musikUnten + 1 : z[ziel].y;
+                bogen(el, m.x, y, y2, mass.rx, f, t.note);
+            }
+        }
+        for (const auto& p : r.pausen)
+            if (sichtbar(p.saite)) pausenZeichen(el, {xVon(p.saite), y}, p.sechzehntel);
+    }
+    // Ties that come in from the page before: a tied part is at most a whole note long.
+    if (von < bis && von > 0) {
+        const int64_t vonU = z[von].u;
+        for (size_t i = von; i-- > 0;) {
+            if (z[i].u < vonU - 16 * zeilen.tpq) break;
+            for (const auto& t : z[i].noten) {
+                if (!t.weiter || t.bisU < vonU || !sichtbar(t.saite)) continue;
+                const size_t ziel = zeilen.zeileAb(t.bisU);
+                if (ziel < bis && z[ziel].u == t.bisU)
+                    bogen(el, xVon(t.saite), lage.musikOben - 1, z[ziel].y, notenMass(t.sechzehntel, form).rx, t.richtung ? kRot : kSchwarz, t.note);
+            }
+        }
+    }
+}
+
+} // namespace lyrabo::blatt
