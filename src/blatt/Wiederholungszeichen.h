@@ -16,6 +16,7 @@ inline constexpr const char* kWiederholungLegende = "Von |: bis :| wiederholen";
 // What stands at the bar line above a written bar (the last entry: the final bar line).
 struct Taktzeichen {
     std::string nummer;       // the bar as first played, then the later passes in brackets
+    int takt = 0;             // the bar as first played, 1-based
     bool anfang = false;      // |: a run starts here (left out at bar 1)
     int ende = 0;             // :| the run above ends here, played this many times; 0: no end sign
     int klammer = 0;          // 1 or 2: an ending starts here ...
@@ -25,6 +26,9 @@ struct Taktzeichen {
 
 // One entry per written bar and one for the final bar line. Without repeats: the bar numbers only.
 std::vector<Taktzeichen> taktzeichen(const Faltung& faltung, int takte);
+
+// Room the signs need below the bar line, before the bar's first heads (mm).
+double zeichenRaum(const Taktzeichen& z);
 
 // The signs at one bar line at height y, across the strings from xl to xr (`abstand` apart): the
 // dots sit between strings, where no head can be.
