@@ -1,6 +1,8 @@
 // Repeats found in the bars of a piece, as a musician would write the tune: cases of whole bars
 // named by letters, each letter one bar of notes.
+#include "blatt/BlattSatz.h"
 #include "blatt/Wiederholungen.h"
+#include "blatt/Wiederholungszeichen.h"
 #include "support/Ausklappen.h"
 
 #include <gtest/gtest.h>
@@ -119,6 +121,38 @@ TEST(Wiederholungen, ZweiterDurchgangSpieltDieGeschriebenenTakte) {
     EXPECT_EQ(f.gespielteTakte(5), (std::vector<int>{8}));      // second ending
     EXPECT_EQ(geschriebenerTick(f, 6 * 1920 + 100), 2 * 1920 + 100);
     EXPECT_EQ(geschriebenerTick(f, 9 * 1920), 6 * 1920);
+}
+
+// On the sheet: the signs where a musician looks for them, the start sign left out at bar 1.
+TEST(Wiederholungen, AufDemBlatt) {
+    struct Fall {
+        const char* was;
+        const char* takte;
+        bool zusammenfassen;
+        int dickeLinien;                  // of the double bars
+        std::vector<std::string> texte;   // that must be there
+    } faelle[] = {
+        {"AABB", "ABCDABCDBECABECA", true, 2, {"1 (5)", "9 (13)", "12 (16)", kWiederholungLegende}},
+        {"dreimal", "ABCABCABCD", true, 1, {"3\u00d7", "1 (4, 7)", "10"}},
+        {"Klammern", "EABCDABCEBA", true, 2, {"1.", "2.", "2 (6)", "5", "9"}},
+        {"ausgeschrieben", "ABCDABCDBECABECA", false, 0, {"16"}},
+    };
+    for (const auto& f : faelle) {
+        SCOPED_TRACE(f.was);
+        Einstellungen e = standardFuer(37);
+        e.wiederholungenZusammenfassen = f.zusammenfassen;
+        const Blatt b = setzen(lied(f.takte), e);
+        ASSERT_EQ(b.seiten.size(), 1u);
+        int dicke = 0;
+        std::vector<std::string> texte;
+        for (const auto& el : b.seiten[0].elemente) {
+            if (auto* l = std::get_if<Linie>(&el.form); l && l->staerke > 0.65) ++dicke;
+            if (auto* t = std::get_if<Text>(&el.form)) texte.push_back(t->text);
+        }
+        EXPECT_EQ(dicke, f.dickeLinien);
+        for (const auto& t : f.texte) EXPECT_NE(std::find(texte.begin(), texte.end(), t), texte.end()) << t;
+        EXPECT_EQ(std::find(texte.begin(), texte.end(), kWiederholungLegende) != texte.end(), f.dickeLinien > 0);
+    }
 }
 
 } // namespace
