@@ -104,23 +104,7 @@ TEST(Wiederholungen, WieEinMusikerSieSchreibt) {
                       std::make_tuple(e.anfang, e.ende, e.mal, e.erste, e.zweite));
         }
         test::ausklappenPruefen(st, f, fall.mitTexten);
-        if (f.wiederholungen.empty()) {
-            const Stueck g = geschrieben(st, f);
-            EXPECT_EQ(g.noten.size(), st.noten.size());
-            EXPECT_EQ(g.takte.size(), st.takte.size());
-        }
     }
-}
-
-// The second pass is drawn where the first is: bar numbers and the tick the player is at.
-TEST(Wiederholungen, ZweiterDurchgangSpieltDieGeschriebenenTakte) {
-    const Faltung f = wiederholungenFinden(lied("EABCDABCEBA"), true);
-    ASSERT_EQ(f.wiederholungen.size(), 1u);
-    EXPECT_EQ(f.gespielteTakte(1), (std::vector<int>{1, 5}));   // "2" and "(6)"
-    EXPECT_EQ(f.gespielteTakte(4), (std::vector<int>{4}));      // first ending
-    EXPECT_EQ(f.gespielteTakte(5), (std::vector<int>{8}));      // second ending
-    EXPECT_EQ(geschriebenerTick(f, 6 * 1920 + 100), 2 * 1920 + 100);
-    EXPECT_EQ(geschriebenerTick(f, 9 * 1920), 6 * 1920);
 }
 
 // On the sheet: the signs where a musician looks for them, the start sign left out at bar 1.
