@@ -47,6 +47,9 @@ Abstaende abstaendeBestimmen(const Zeilen& zeilen, const Stueck& st, const Einst
             a.oben[i] = std::max(a.oben[i], h);
             a.unten[i] = std::max(a.unten[i], h);
         }
+        // Repeat signs under the bar line push it up.
+        if (z[i].taktStart && z[i].takt >= 1 && size_t(z[i].takt) <= zeilen.zeichen.size())
+            a.oben[i] += zeichenRaum(zeilen.zeichen[size_t(z[i].takt - 1)]);
     }
     if (n < 2) return a;
     a.dauer.resize(n - 1);

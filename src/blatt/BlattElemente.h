@@ -1,6 +1,8 @@
 #pragma once
 // The drawing elements a laid-out sheet is made of, in millimetres from the top left corner of
 // the page. A painter only draws these; every position is decided by the layout.
+#include "blatt/Wiederholungen.h"
+
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -97,6 +99,7 @@ struct Blatt {
     bool transpoVorschlag = false;
     int16_t vorschlag = 0;        // transposition that would bring every note onto the strings
     std::string hinweis;          // why the sheet holds no music (German), empty when it does
+    Faltung faltung;              // the repeats written once: the drawn notes and ticks are those of the written piece
 };
 
 } // namespace lyrabo::blatt

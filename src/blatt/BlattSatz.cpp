@@ -6,6 +6,7 @@
 #include "blatt/Musik.h"
 #include "blatt/Seitenrahmen.h"
 #include "blatt/Transposition.h"
+#include "blatt/Wiederholungen.h"
 #include "blatt/Zeilen.h"
 
 #include <algorithm>
@@ -61,11 +62,15 @@ Blatt zuLang(const Stueck& st, const Seitenmass& m, int seiten) {
 
 Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     const Einstellungen e = begrenzt(einstellungen);
-    std::optional<Stueck> geschlossen;
+    std::optional<Stueck> geschlossen, gefaltet;
     if (e.kurzePausenSchliessen) geschlossen = kurzePausenSchliessen(stueck);
-    const Stueck& st = geschlossen ? *geschlossen : stueck;
+    Faltung faltung;
+    if (e.wiederholungenZusammenfassen) faltung = wiederholungenFinden(geschlossen ? *geschlossen : stueck, e.notenTexte);
+    if (faltung.gefaltet()) gefaltet = geschrieben(geschlossen ? *geschlossen : stueck, faltung);
+    const Stueck& st = gefaltet ? *gefaltet : geschlossen ? *geschlossen : stueck;
 
     Zeilen zeilen = zeilenBilden(st);
+    zeilen.zeichen = taktzeichen(faltung, int(zeilen.taktStart.size()) - 1);
     const Abstaende abstaende = abstaendeBestimmen(zeilen, st, e);
     const Seitenmass mass = seitenMass(e);
     const int n = zeilen.saiten;
@@ -75,6 +80,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     const Einpassung ep = einpassen(zeilen, abstaende, mass.musikOben, mass.musikHoehe(), e.einpassen);
 
     Blatt blatt;
+    blatt.faltung = std::move(faltung);
     ausserhalbZaehlen(blatt, st, n);
     Kopfzeile kopf;
     kopf.seite = 0;
@@ -85,6 +91,7 @@ Blatt setzen(const Stueck& stueck, const Einstellungen& einstellungen) {
     kopf.seiten = int(ep.anfaenge.size() * streifen.size());
     kopf.streifenAnzahl = int(streifen.size());
     kopf.warnung = warnung(blatt);
+    kopf.wiederholungen = blatt.faltung.gefaltet();
     const auto& z = zeilen.zeilen;
     for (size_t v = 0; v < ep.anfaenge.size(); ++v) {
         const size_t von = ep.anfaenge[v], bis = v + 1 < ep.anfaenge.size() ? ep.anfaenge[v + 1] : z.size();

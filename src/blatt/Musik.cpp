@@ -65,7 +65,9 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
     // The melody line, behind everything: from the edge of one melody head to the edge of the next.
     if (e.melodieLinie) {
         std::optional<std::pair<Punkt, Zeichenmass>> vorige;
-        for (size_t i = von; i < bis; ++i)
+        for (size_t i = von; i < bis; ++i) {
+            if (z[i].taktStart && z[i].takt >= 1 && zeilen.zeichen.size() >= size_t(z[i].takt) && zeilen.zeichen[size_t(z[i].takt - 1)].linieBricht)
+                vorige.reset();
             for (const auto& t : z[i].noten) {
                 if (!t.anfang || !st.noten[size_t(t.note)].melodie) continue;
                 const Punkt p{xVon(t.saite), z[i].y};
@@ -80,6 +82,24 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
                 vorige = {{p, m}};
                 break;
             }
+        }
+    }
+
+    // An ending's bracket from its bar line down to the bar line where it ends, or to the page's foot.
+    auto klammerBis = [&](int nummer, int bisTakt, double y1, bool anfang) {
+        const size_t ende = size_t(bisTakt) < zeilen.taktStart.size() ? zeilen.zeileAb(zeilen.taktStart[size_t(bisTakt)]) : z.size();
+        const bool offen = ende >= bis;
+        const double y2 = offen ? lage.musikUnten : z[ende].y - ab.oben[ende] - kTaktLinieLuft;
+        klammerZeichnen(el, nummer, xr, e.saitenAbstand, y1, y2, anfang, offen);
+    };
+    if (von < bis && von > 0 && !zeilen.zeichen.empty()) {
+        // An ending that began on the page before goes on at the top of this one.
+        const int w = int(std::upper_bound(zeilen.taktStart.begin(), zeilen.taktStart.end(), z[von].u) - zeilen.taktStart.begin()) - 1;
+        for (int k = std::max(0, w - 2); k <= w && size_t(k) < zeilen.zeichen.size(); ++k) {
+            const Taktzeichen& t = zeilen.zeichen[size_t(k)];
+            const bool begonnen = k < w || !z[von].taktStart;
+            if (t.klammer && t.klammerBis > w && begonnen) klammerBis(t.klammer, t.klammerBis, lage.musikOben, false);
+        }
     }
 
     for (size_t i = von; i < bis; ++i) {
@@ -93,10 +113,16 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
             el.push_back({Linie{{xl - 1.8, yt}, {xr + 1.8, yt}, 0.25, kTaktLinie}});
             if (r.schluss) el.push_back({Linie{{xl - 1.8, yt + 0.7}, {xr + 1.8, yt + 0.7}, 0.6, kSchwarz}});
             const double xNummer = xl + 2.2;
-            const std::string nummer = std::to_string(r.takt);
+            const Taktzeichen* zeichen = r.takt >= 1 && size_t(r.takt) <= zeilen.zeichen.size() ? &zeilen.zeichen[size_t(r.takt - 1)] : nullptr;
+            const std::string nummer = zeichen ? zeichen->nummer : std::to_string(r.takt);
+            const int takt = zeichen ? zeichen->takt : r.takt;
+            if (zeichen) {
+                wiederholungZeichnen(el, *zeichen, xl, xr, e.saitenAbstand, yt);
+                if (zeichen->klammer) klammerBis(zeichen->klammer, zeichen->klammerBis, yt, true);
+            }
             if (!r.schluss) el.push_back({Text{{xNummer, yt - 0.35}, nummer, 5.5, Ausrichtung::Links, false, kGrau}});
             if (r.leereTakte > 0)
-                el.push_back({Text{{xNummer, yt + 2.6}, "Takt " + std::to_string(r.takt) + " bis " + std::to_string(r.takt + r.leereTakte) +
+                el.push_back({Text{{xNummer, yt + 2.6}, "Takt " + std::to_string(takt) + " bis " + std::to_string(takt + r.leereTakte) +
                                                    ": nichts zu spielen", 7, Ausrichtung::Links, false, kGrau}});
             if (r.neueTaktart) {
                 const auto [zz, nn] = zeilen.taktart(r.takt);

@@ -2,6 +2,7 @@
 
 #include "blatt/Notenzeichen.h"
 #include "blatt/Saiten.h"
+#include "blatt/Wiederholungszeichen.h"
 
 #include <algorithm>
 #include <cmath>
@@ -108,7 +109,9 @@ void seitenRahmen(Seite& seite, const Seitenmass& m, const Einstellungen& e, int
     const double yf = m.fussLinie, yMass = yf - 0.3;
     el.push_back({Linie{{xl, yMass}, {xl + 100, yMass}, 0.3, kSchwarz}});
     for (int mm = 0; mm <= 100; mm += 10) el.push_back({Linie{{xl + mm, yMass - (mm % 50 ? 0.8 : 1.5)}, {xl + mm, yMass}, 0.2, kSchwarz}});
-    const double legendeB = legendenBreite(e.notenform);
+    // The repeat signs in words, left of the shapes.
+    const double wiederholungB = k.wiederholungen ? textBreite(kWiederholungLegende, 6.5) + 5 : 0;
+    const double legendeB = legendenBreite(e.notenform) + wiederholungB;
     const std::string lang = "100 mm: so lang muss diese Linie gedruckt sein";
     const bool platz = xl + 102 + textBreite(lang, 6) + 6 + legendeB <= xr;
     const std::string masstext = platz ? lang : "100 mm";
@@ -116,7 +119,10 @@ void seitenRahmen(Seite& seite, const Seitenmass& m, const Einstellungen& e, int
     // On a strip the next one is laid over the right edge: a legend that would reach under it goes
     // on the last strip only.
     const double xLegende = std::max(xl + 102 + textBreite(masstext, 6) + 6, xr - legendeB);
-    if (b == n || xLegende + legendeB <= xr + 2) legende(el, xLegende, yf, e.notenform);
+    if (b == n || xLegende + legendeB <= xr + 2) {
+        if (k.wiederholungen) el.push_back({Text{{xLegende, yf}, kWiederholungLegende, 6.5, Ausrichtung::Links, true}});
+        legende(el, xLegende + wiederholungB, yf, e.notenform);
+    }
 }
 
 } // namespace lyrabo::blatt

@@ -38,6 +38,7 @@ struct Kopfzeile {
     int seite = 1, seiten = 1;
     int streifen = 1, streifenAnzahl = 1;
     std::string warnung;        // notes beside the strings (red), empty when there are none
+    bool wiederholungen = false; // repeats are written once: the legend says how to read the signs
 };
 
 // The frame of one page showing strings a..b, string a at x0.

@@ -2,6 +2,7 @@
 // The row model of the note sheet: every moment at which something starts (a note, a tied part,
 // a rest, a bar) is one row. The later stages give each row its room, its page and its y.
 #include "blatt/BlattStueck.h"
+#include "blatt/Wiederholungszeichen.h"
 
 #include <cstdint>
 #include <utility>
@@ -55,6 +56,7 @@ struct Zeilen {
     std::vector<int64_t> taktStart;   // quarter ticks, one past the last bar at the end
     std::vector<std::pair<int, int>> taktarten; // per bar of the piece's table
     std::vector<Zeile> zeilen;        // by time
+    std::vector<Taktzeichen> zeichen; // per bar and the final bar line: number and repeat signs (empty: the count)
 
     std::pair<int, int> taktart(int takt) const;
     // The first row at or after u.

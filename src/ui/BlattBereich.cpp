@@ -311,9 +311,11 @@ void BlattBereich::neuSetzen() {
     if (!m_ansicht) return;
     if (!m_stueck) {
         m_ansicht->zeigen({});
+        m_geschrieben = {};
     } else {
         m_stueck->saiten = static_cast<int16_t>(saiten());
         m_ansicht->zeigen(blatt::setzen(*m_stueck, einstellungen()));
+        m_geschrieben = blatt::geschrieben(*m_stueck, m_ansicht->blatt().faltung);
     }
     infoZeigen();
 }
@@ -558,14 +560,16 @@ void BlattBereich::wiedergabePosition(int32_t tick) {
     // beside the quantised ones.
     const int32_t raster = m_programm.Einstellungen().QuantTicks();
     const int32_t spiel = std::max<int32_t>(1, raster > 0 ? raster / 2 : m_stueck->ticksProViertel / 8);
-    std::vector<bool> an(m_stueck->noten.size(), false);
+    // A repeat's later passes light the notes where the sheet writes them.
+    const int64_t t = blatt::geschriebenerTick(m_ansicht->blatt().faltung, tick);
+    std::vector<bool> an(m_geschrieben.noten.size(), false);
     for (size_t i = 0; i < an.size(); ++i) {
-        const auto& n = m_stueck->noten[i];
+        const auto& n = m_geschrieben.noten[i];
         const int64_t von = int64_t{n.start} - spiel, bis = int64_t{n.start} + std::max<int32_t>(n.laenge, 1) - spiel;
-        an[i] = tick >= von && tick < bis;
+        an[i] = t >= von && t < bis;
     }
     m_ansicht->hervorheben(std::move(an));
-    m_ansicht->tickZeigen(tick);
+    m_ansicht->tickZeigen(int32_t(t));
 }
 
 void BlattBereich::wiedergabeAus() {

@@ -107,6 +107,7 @@ private:
     std::optional<blatt::Stueck> m_melodie;  // the piece of the track (or mix) alone
     std::optional<blatt::Stueck> m_stueck;   // with the accompaniment: what the sheet shows
     std::vector<int16_t> m_begleitung;
+    blatt::Stueck m_geschrieben; // the piece as the shown sheet writes it, its repeats once: what playback lights
     bool m_mischung = false;
     int16_t m_spur = 0;  // track the sheet shows; 0 for a mix
     bool m_sperre = false;  // while the page's controls are set from the settings

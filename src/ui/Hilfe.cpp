@@ -61,7 +61,9 @@ Kopfes, wie auf gekauften Unterlegblättern (eine Zeile am Fuß jeder Seite erkl
 MIDI-Dateien spielen jede Note etwas zu kurz – wird nicht gezeichnet; die Note davor wird um ihre Länge
 verlängert. Das ändert nur das Blatt, nicht den Harfen-Text und nicht die Works-Datei.</li>
 <li><b>Wiederholungen zusammenfassen</b> (ein): Takte, die noch einmal gespielt werden, stehen nur einmal
-auf dem Blatt.</li>
+auf dem Blatt: von |: bis :| wiederholen (Doppelstrich, die Punkte zeigen zur Wiederholung hin; „3×“: dreimal
+spielen), Klammer „1.“ beim ersten Mal, „2.“ beim zweiten. Die Taktnummer nennt jeden Durchgang, „9 (17)“.
+Nur genau gleiche Takte werden zusammengefasst; mit Liedtext nur, wenn auch der Text gleich ist.</li>
 <li><b>Liedtext an den Noten</b> und <b>Melodielinie</b> schalten diese Teile des Blattes ein und aus.</li>
 <li><b>Begleitung</b>: weitere Spuren der Datei (etwa der Bass oder die Akkorde) ankreuzen, die Sie mit der
 anderen Hand spielen. Jede wird umgerechnet wie die gewählte Spur und steht mit kleineren, helleren Köpfen ohne

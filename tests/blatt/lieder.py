@@ -103,13 +103,16 @@ def noten_im_text(txt, takte=None):
     return n
 
 
-def takte_auf_seite_1(pdf):
-    """The bar numbers printed between the first two strings on page 1, above the foot."""
-    woerter = blattpruefung.woerter(pdf)[0]
-    zeile, unten = blattpruefung.namenszeile(woerter, blattpruefung.saiten_namen(37))
-    links, rechts = (zeile[0][1], zeile[1][1]) if len(zeile) > 1 else (0, 0)
-    fuss = min((w[2] for w in woerter if w[0] == "100" and w[2] > unten), default=1e9)
-    return {int(w[0]) for w in woerter if w[0].isdigit() and links < w[1] < rechts and unten < w[2] < fuss}
+def gedruckte_takte(pdf, nur_seite_1=False):
+    """The bar numbers printed between the first two strings, above the foot: with repeats written
+    once, the bars the sheet draws (a later pass's number in brackets is no bar of its own)."""
+    takte = set()
+    for woerter in blattpruefung.woerter(pdf)[:1 if nur_seite_1 else None]:
+        zeile, unten = blattpruefung.namenszeile(woerter, blattpruefung.saiten_namen(37))
+        links, rechts = (zeile[0][1], zeile[1][1]) if len(zeile) > 1 else (0, 0)
+        fuss = min((w[2] for w in woerter if w[0] == "100" and w[2] > unten), default=1e9)
+        takte |= {int(w[0]) for w in woerter if w[0].isdigit() and links < w[1] < rechts and unten < w[2] < fuss}
+    return takte
 
 
 def pruefe(pdf, saiten, papier, quer, abstand, koepfe_mindestens=None, seiten=None):
@@ -152,7 +155,7 @@ def lieder_pruefen(cli, abc_ordner, arbeit):
 
     def pruefung(p):
         wo, pfad, saiten, bild = p
-        mindestens = noten_im_text(pfad + ".txt", takte_auf_seite_1(pfad + ".pdf")) if bild else None
+        mindestens = noten_im_text(pfad + ".txt", gedruckte_takte(pfad + ".pdf", True)) if bild else None
         f = pruefe(pfad + ".pdf", saiten, "A4" if saiten == 25 else "A3", True, 11.5, mindestens, {1})
         return f"{wo} {f}" if f else None
 
@@ -176,7 +179,10 @@ def papiere_pruefen(cli, abc_ordner, arbeit):
         r = lauf(cli, "convert", mid, "--saiten", saiten, *optionen, "--pdf", pdf, "--harfentext", txt)
         if r.returncode != 0:
             return [f"{wo}: Rückgabewert {r.returncode} {r.stderr.decode(errors='replace')}"]
-        f = pruefe(pdf, saiten, papier, quer, abstand, noten_im_text(txt))
+        takte = gedruckte_takte(pdf)
+        if not takte:
+            return [f"{wo}: keine Taktnummer auf dem Blatt"]
+        f = pruefe(pdf, saiten, papier, quer, abstand, noten_im_text(txt, takte))
         # Strips: together they show every string.
         namen = blattpruefung.saiten_namen(saiten)
         gesehen = set()

@@ -313,5 +313,31 @@ TEST(Notenblatt, WiedergabeLeuchtetDieKlingendenNotenAuf) {
     EXPECT_TRUE(ansicht(u).hervorgehoben().empty());
 }
 
+// A tune played A B A B C is drawn A B C: the second pass lights the notes of the first.
+TEST(Notenblatt, WiederholungLeuchtetImZweitenDurchgang) {
+    MidiBauer lied(480);
+    lied.spur().name("Tempo").tempo(0, 500000).taktart(0, 4, 2);
+    auto& melodie = lied.spur().name("Melodie");
+    const int takte[2][4] = {{60, 62, 64, 65}, {67, 65, 64, 62}};
+    for (int t = 0; t < 4; ++t)
+        for (int ton : takte[t % 2]) melodie.note(0, ton, 480);
+    melodie.note(0, 72, 1920);
+    FensterUmgebung u;
+    u.startenMit(lied);
+    auto& bereich = u.fenster().blattBereich();
+    const struct {
+        int32_t tick;
+        std::vector<int> an;
+    } faelle[] = {{10, {0}}, {3850, {0}}, {6250, {5}}, {7690, {8}}};
+    for (const auto& f : faelle) {
+        bereich.wiedergabePosition(f.tick);
+        std::vector<int> an;
+        const auto& licht = ansicht(u).hervorgehoben();
+        for (size_t i = 0; i < licht.size(); ++i)
+            if (licht[i]) an.push_back(int(i));
+        EXPECT_EQ(an, f.an) << f.tick;
+    }
+}
+
 } // namespace
 } // namespace lyrabo::test
