@@ -7,7 +7,10 @@
 namespace lyrabo {
 
 CProgramm::CProgramm(std::filesystem::path programmOrdner, IForm& form, IDialog* dialog)
-    : m_ordner(std::move(programmOrdner)), m_form(form), m_dialog(dialog) {}
+    : m_ordner(std::move(programmOrdner)), m_form(form), m_dialog(dialog) {
+    // In the body: the folder member is initialised after the public ones.
+    Umrechnung = umrechnungDatenLesen(m_ordner);
+}
 
 CProgramm::~CProgramm() = default;
 
