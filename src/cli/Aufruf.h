@@ -40,6 +40,7 @@ struct COptionen {
     std::optional<bool> PausenLetzterTakt;
     std::optional<std::string> Felder;     // eight characters '0'/'1'
     std::optional<int16_t> Saiten;
+    std::optional<bool> GenaueAufloesung;  // data/LYRABO_umrechnung.ini when not given
 };
 
 // The note sheet's paper and string spacing; an empty field keeps the default of the harp's size.
