@@ -175,9 +175,6 @@ TEST(Automatik, RechnetSpurEinsInDieZwischenablageUndEndetOhneFrage) {
     }
 }
 
-} // namespace
-} // namespace lyrabo::test
-
 TEST(GenaueAufloesung, SchalterRechnetNeuSagtEsBeiDerDateiUndMerktSichEs) {
     FensterUmgebung u;
     MidiBauer lied(1024);  // no tempo event, as many folk-tune files come
@@ -202,3 +199,6 @@ TEST(GenaueAufloesung, SchalterRechnetNeuSagtEsBeiDerDateiUndMerktSichEs) {
     EXPECT_EQ(u.fenster().klangNotenText(), genau);
     EXPECT_TRUE(u.nachrichten.empty());
 }
+
+} // namespace
+} // namespace lyrabo::test
