@@ -34,6 +34,9 @@ class EngineUmgebung {
 public:
     // Connected as opening a file connects the engine: window, reader and the global collections.
     EngineUmgebung() : programm(ordner.pfad(), form) {
+        // These tests check the conversion as it is laid down, at the file's own resolution and
+        // with the settings the tempo scan gives; "Genaue Auflösung" has tests of its own.
+        programm.Umrechnung.genaueAufloesung = false;
         programm.initGlobals();
         auto& k = engine();
         k.Form(&form);
