@@ -34,8 +34,7 @@ class EngineUmgebung {
 public:
     // Connected as opening a file connects the engine: window, reader and the global collections.
     EngineUmgebung() : programm(ordner.pfad(), form) {
-        // These tests check the conversion as it is laid down, at the file's own resolution and
-        // with the settings the tempo scan gives; "Genaue Auflösung" has tests of its own.
+        // These tests check the conversion as laid down ("Genaue Auflösung" off); test_aufloesung the switch.
         programm.Umrechnung.genaueAufloesung = false;
         programm.initGlobals();
         auto& k = engine();
