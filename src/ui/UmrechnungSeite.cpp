@@ -53,7 +53,7 @@ QFrame* UmrechnungSeite::anlegen(QWidget* eltern, Steuerelemente& s) {
 
     chGenaueAufloesung = benannt(new QCheckBox(QStringLiteral("Genaue Auflösung"), f), "chGenaueAufloesung");
     chGenaueAufloesung->setToolTip(
-        QStringLiteral("Eine Viertel der MIDI-Datei ist auf dem Blatt und in allen Texten eine Viertel, bei jeder "
+        QStringLiteral("Eine Viertelnote der MIDI-Datei ist auf dem Blatt und in allen Texten eine Viertelnote, bei jeder "
                        "Auflösung (Ticks pro Viertel) und auch ohne Tempoangabe. Ausgeschaltet rechnet Lyrabo wie "
                        "früher mit der Auflösung, die die Tempoangabe setzt."));
     chGenaueAufloesung->setChecked(m_programm.Umrechnung.genaueAufloesung);
