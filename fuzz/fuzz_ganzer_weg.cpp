@@ -1,7 +1,7 @@
 // libFuzzer target for the whole road of a file (GanzerWeg.h); built twice, as fuzz_ganzer_weg
 // (the conversion as laid down) and fuzz_ganzer_weg_genau (with "Genaue Auflösung").
-// The program's own errors (Fehler, overflow included) are the expected answer to bad input; any other exception escaping, a
-// sanitizer report, a hang or a wrong-sized database is a finding.
+// The program's own errors (Fehler, overflow included) are the expected answer to bad input; any
+// other exception escaping, a sanitizer report, a hang or a wrong-sized database is a finding.
 #include "GanzerWeg.h"
 
 #include <cstdlib>
