@@ -4,7 +4,8 @@
 // (the first two) converted into every output: bar tables, produce, harp events and their text,
 // the note sheet, the KlangNoten text and the Works database written from the templates in ini/;
 // finally the tracks merged and their sheet laid out. The input's last three bytes also choose the
-// options, so that every switch is tried.
+// options, so that every switch is tried; "Genaue Auflösung" is chosen by the caller (one fuzz
+// target for each way), so that a finding always replays the same way.
 #include "FuzzHilfen.h"
 
 #include "app/core/BlattQuelle.h"
@@ -74,11 +75,14 @@ inline void spurUmrechnen(CProgramm& p, StilleForm& form, int16_t spur, uint8_t 
     if (std::filesystem::file_size(ziel) != (saiten == 25 ? 57343u : 80896u)) __builtin_trap();
 }
 
-// Runs `bytes` the whole road in the program folder `ordner`. Returns what the program told the
-// user on the way: its messages and the texts of its own errors, in order. Anything else escapes.
-inline std::vector<std::string> ganzerWeg(const std::string& bytes, const std::filesystem::path& ordner) {
+// Runs `bytes` the whole road in the program folder `ordner`, with "Genaue Auflösung" on or off.
+// Returns what the program told the user on the way: its messages and the texts of its own errors,
+// in order. Anything else escapes.
+inline std::vector<std::string> ganzerWeg(const std::string& bytes, const std::filesystem::path& ordner,
+                                          bool genau = false) {
     StilleForm form;
     CProgramm programm(ordner, form, &form);
+    programm.Umrechnung.genaueAufloesung = genau;
     auto& gesagt = form.meldungen;
     const std::filesystem::path midi = ordner / "fuzz.mid";
     dateiErsetzen(midi, bytes);

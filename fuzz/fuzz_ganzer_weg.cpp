@@ -1,6 +1,7 @@
-// libFuzzer target for the whole road of a file (GanzerWeg.h). The program's own errors (Fehler,
-// overflow included) are the expected answer to bad input; any other exception escaping, a
-// sanitizer report, a hang or a wrong-sized database is a finding.
+// libFuzzer target for the whole road of a file (GanzerWeg.h); built twice, as fuzz_ganzer_weg
+// (the conversion as laid down) and fuzz_ganzer_weg_genau (with "Genaue Auflösung").
+// The program's own errors (Fehler, overflow included) are the expected answer to bad input; any
+// other exception escaping, a sanitizer report, a hang or a wrong-sized database is a finding.
 #include "GanzerWeg.h"
 
 #include <cstdlib>
@@ -32,6 +33,7 @@ const fs::path& programmOrdner() {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    lyrabo::fuzz::ganzerWeg(std::string(reinterpret_cast<const char*>(data), size), programmOrdner());
+    lyrabo::fuzz::ganzerWeg(std::string(reinterpret_cast<const char*>(data), size), programmOrdner(),
+                            LYRABO_GENAUE_AUFLOESUNG != 0);
     return 0;
 }

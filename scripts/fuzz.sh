@@ -2,6 +2,7 @@
 # Builds a libFuzzer target with clang and runs it for a given time.
 # Usage: scripts/fuzz.sh [seconds, default 600] [target, default fuzz_ganzer_weg]
 #   fuzz_ganzer_weg: a file's whole road, from loading to every output of each track;
+#   fuzz_ganzer_weg_genau: the same with "Genaue Auflösung" (the window's default);
 #   fuzz_midifile:   the reader and opening only (many more inputs per second).
 # Each target's corpus grows in fuzz-work/<target>/korpus; inputs that crash, leak or hang land
 # in fuzz-work/<target>/funde. Every finding becomes a row of the regression table in
@@ -11,8 +12,8 @@ cd "$(dirname "$0")/.."
 SEKUNDEN="${1:-600}"
 ZIEL="${2:-fuzz_ganzer_weg}"
 case "$ZIEL" in
-  fuzz_ganzer_weg|fuzz_midifile) ;;
-  *) echo "Unbekanntes Fuzz-Ziel: $ZIEL (fuzz_ganzer_weg oder fuzz_midifile)" >&2; exit 2 ;;
+  fuzz_ganzer_weg|fuzz_ganzer_weg_genau|fuzz_midifile) ;;
+  *) echo "Unbekanntes Fuzz-Ziel: $ZIEL (fuzz_ganzer_weg, fuzz_ganzer_weg_genau oder fuzz_midifile)" >&2; exit 2 ;;
 esac
 bash scripts/pakete.sh --fuzz
 

@@ -64,13 +64,13 @@ std::vector<std::string> teile(const std::string& liste) {
 bool erlaubt(Befehl b, const std::string& option) {
     static const std::set<std::string> kEinstellungen = {
         "--transpo", "--quantisierung", "--kanal", "--legato", "--hoechster-ton-melodie", "--punktierte-pausen",
-        "--ohne-pausen-letzter-takt", "--felder", "--saiten"};
+        "--ohne-pausen-letzter-takt", "--felder", "--saiten", "--genaue-aufloesung"};
     static const std::set<std::string> kBlatt = {"--pdf", "--svg", "--papier", "--hoch", "--quer", "--saitenabstand",
                                                  "--einpassen", "--notenform", "--kurze-pausen", "--wiederholungen",
                                                  "--begleitung"};
     switch (b) {
     case Befehl::Info:
-        return option == "--spur";
+        return option == "--spur" || option == "--genaue-aufloesung";
     case Befehl::Events:
         return option == "--spur" || option == "--hex";
     case Befehl::Convert:
@@ -138,6 +138,7 @@ CAufruf aufrufLesen(const std::vector<std::string>& args) {
         auto schalter = [&]() { return wert ? jaNein(*wert, arg) : true; };
         if (arg == "--hex") { a.hex = schalter(); continue; }
         if (arg == "--legato") { a.optionen.Legato = schalter(); continue; }
+        if (arg == "--genaue-aufloesung") { a.optionen.GenaueAufloesung = schalter(); continue; }
         if (arg == "--hoechster-ton-melodie") { a.optionen.HoechsterTonMelodie = schalter(); continue; }
         if (arg == "--punktierte-pausen") { a.optionen.PunktiertePausen = schalter(); continue; }
         if (arg == "--ohne-pausen-letzter-takt") { a.optionen.PausenLetzterTakt = !schalter(); continue; }
@@ -276,10 +277,11 @@ std::string hilfeText() {
         "lyrabo-cli: MIDI-Dateien in Noten für die Tischharfe umsetzen, ohne Fenster.\n"
         "\n"
         "Aufruf:\n"
-        "  lyrabo-cli info DATEI.mid... [--spur N]\n"
+        "  lyrabo-cli info DATEI.mid... [--spur N] [--genaue-aufloesung[=ja|nein]]\n"
         "      Format, Ticks pro Viertelnote, Tempo, die Spuren mit Nummer, Name, Anzahl der\n"
         "      Ereignisse und tiefstem und höchstem Ton, die vermutete Melodiespur, die Taktarten mit ihrem Takt und die Zahl\n"
-        "      der Takte (gezählt nach der Spur N, sonst nach der vorgewählten Spur).\n"
+        "      der Takte (gezählt nach der Spur N, sonst nach der vorgewählten Spur); dazu eine\n"
+        "      Zeile, wenn die genaue Auflösung die Umrechnung der Datei ändert.\n"
         "  lyrabo-cli events DATEI.mid [--spur N] [--hex]\n"
         "      Die Ereignisliste der Spur wie im Fenster (höchstens 500 Zeilen). Jede Zeile: der\n"
         "      Listentext, dann durch Tabulatoren getrennt Zeit, Message, Data1, Data2 (mit --hex\n"
@@ -348,6 +350,12 @@ std::string hilfeText() {
         "                          Umsetzung selbst (beim KlangNoten-Text und beim Mischen)\n"
         "  --saiten 25|37          Saitenzahl der Harfe (Spalten der Works-Datenbank und des\n"
         "                          Notenblatts)\n"
+        "  --genaue-aufloesung[=ja|nein]\n"
+        "                          eine Viertelnote der Datei ist in allen Ausgaben eine Viertelnote,\n"
+        "                          bei jeder Auflösung und auch ohne Tempoangabe (umgerechnet wird mit\n"
+        "                          480 Ticks pro Viertel); ohne die Option gilt die Einstellung aus\n"
+        "                          data/LYRABO_umrechnung.ini, sonst ja. Mit =nein rechnet Lyrabo\n"
+        "                          wie früher mit der Auflösung, die die Tempoangabe setzt\n"
         "\n"
         "Texte werden in Windows-1252 mit CR LF geschrieben, Meldungen gehen auf die Fehlerausgabe.\n"
         "Eine Datei wird erst in eine temporäre Datei geschrieben und dann umbenannt.\n"

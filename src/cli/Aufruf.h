@@ -41,6 +41,7 @@ struct COptionen {
     std::optional<bool> PausenLetzterTakt;
     std::optional<std::string> Felder;     // eight characters '0'/'1'
     std::optional<int16_t> Saiten;
+    std::optional<bool> GenaueAufloesung;  // data/LYRABO_umrechnung.ini when not given
 };
 
 // The note sheet's paper, string spacing and layout; an empty field keeps the setting of the window

@@ -141,6 +141,7 @@ void CKommandozeile::optionenSetzen() {
     if (o.PunktiertePausen) e.PunktiertePausen(*o.PunktiertePausen);
     if (o.PausenLetzterTakt) e.PausenLetzterTakt(*o.PausenLetzterTakt);
     if (o.Saiten) e.WDBSpaltenAnzahl(*o.Saiten);
+    if (o.GenaueAufloesung) m_programm.Umrechnung.genaueAufloesung = *o.GenaueAufloesung;
 }
 
 // The field switches as the window's check boxes store them (box i into entry i + 1).
@@ -213,6 +214,7 @@ void CKommandozeile::info(const std::string& datei) {
     s += "Format: " + std::to_string(mf.Format()) + "\n";
     s += "Ticks pro Viertelnote: " + std::to_string(mf.TicksPerQuarterNote()) + "\n";
     s += "Tempo: " + (m_form.LabelTempo() ? *m_form.LabelTempo() : std::string("keine Angabe")) + "\n";
+    if (const std::string hinweis = m_programm.aufloesungsHinweis(); !hinweis.empty()) s += hinweis + "\n";
     s += "Spuren: " + std::to_string(anzahl) + "\n";
     const auto& labels = m_form.TrackListe();
     for (int16_t spur = 1; spur <= anzahl; ++spur) {

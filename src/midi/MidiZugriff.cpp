@@ -2,9 +2,11 @@
 // time signatures of track 1 and the per-bar tables the conversion cuts notes and rests by.
 #include "app/core/CProgramm.h"
 #include "engine/CKLNCreator.h"
+#include "midi/Aufloesung.h"
 #include "model/Zahlen.h"
 #include "settings/UserDaten.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lyrabo {
@@ -51,6 +53,11 @@ bool CProgramm::openMIDIFile(int16_t mode) {
     engine.MIDIFile(&Midifile1);
 
     if (!engine.openDialog_MIDIFile(mode)) return false;
+    // From here on the conversion reads through its own reader, which holds this file at once.
+    MidifileUmrechnung.inhaltSetzen(Midifile1.inhaltGeteilt());
+    MidifileUmrechnung.filename(Midifile1.filename());
+    m_umrechnungsQuelle = Midifile1.inhaltGeteilt();
+    engine.MIDIFile(&MidifileUmrechnung);
 
     // What the file holds is still part of loading it: a failure here names the file.
     const std::string& name = Midifile1.filename();
@@ -60,8 +67,9 @@ bool CProgramm::openMIDIFile(int16_t mode) {
     });
     m_form.trackListeFuellen(labels);
     beimLaden(name, [this] {
+        m_ticksVorTempoScan = Einstellungen().TicksPerQuarterNote();
         tempoScan();
-        GetTimeSignatureFRMIntern();
+        umrechnungsLeserBereiten();
         zeitSignaturAnzeige();
     });
 
@@ -122,19 +130,70 @@ void CProgramm::tempoScan() {
     Einstellungen().TicksPerQuarterNote(ticks);
 }
 
+Midifile& CProgramm::umrechnungsLeser() {
+    const bool bereit = MidifileUmrechnung.geladen() && m_umrechnungsQuelle == Midifile1.inhaltGeteilt();
+    return bereit ? MidifileUmrechnung : Midifile1;
+}
+
+void CProgramm::umrechnungsLeserBereiten() {
+    const auto quelle = Midifile1.inhaltGeteilt();
+    std::shared_ptr<const MidiDateiInhalt> inhalt = quelle;
+    if (quelle && Umrechnung.genaueAufloesung && quelle->division != kUmrechnungsTicks) {
+        try {
+            inhalt = std::make_shared<const MidiDateiInhalt>(aufAufloesung(*quelle, kUmrechnungsTicks));
+        } catch (const UeberlaufFehler&) {
+            // A piece too long for 32-bit ticks at 480 per quarter is converted at its own resolution.
+        }
+    }
+    MidifileUmrechnung.inhaltSetzen(inhalt);
+    MidifileUmrechnung.filename(Midifile1.filename());
+    m_umrechnungsQuelle = quelle;
+    CEinstellungen& e = Einstellungen();
+    if (quelle && Umrechnung.genaueAufloesung && e.TicksPerQuarterNote() != MidifileUmrechnung.TicksPerQuarterNote())
+        e.TicksPerQuarterNote(MidifileUmrechnung.TicksPerQuarterNote());
+    GetTimeSignatureFRMIntern();
+}
+
+void CProgramm::genaueAufloesungSetzen(bool an) {
+    Umrechnung.genaueAufloesung = an;
+    if (!Midifile1.geladen()) return;
+    // Switched off, the settings hold what the tempo scan gives them.
+    const int16_t ticks = TempoAnzahl > 0 ? Midifile1.TicksPerQuarterNote() : m_ticksVorTempoScan;
+    if (!an && Einstellungen().TicksPerQuarterNote() != ticks) Einstellungen().TicksPerQuarterNote(ticks);
+    umrechnungsLeserBereiten();
+}
+
+bool CProgramm::genauUmgerechnet() {
+    return Midifile1.geladen() && umrechnungsLeser().TicksPerQuarterNote() != Midifile1.TicksPerQuarterNote();
+}
+
+std::string CProgramm::aufloesungsHinweis() {
+    if (!genauUmgerechnet()) return "";
+    return "Auflösung " + StrTrim(Midifile1.TicksPerQuarterNote()) + " Ticks pro Viertel" +
+           (TempoAnzahl == 0 ? ", ohne Tempoangabe" : "") + ": genau umgerechnet";
+}
+
+int32_t CProgramm::umrechnungsTick(int32_t dateiTick) {
+    if (!genauUmgerechnet()) return dateiTick;
+    const int64_t tick = tickAufAufloesung(dateiTick, static_cast<uint16_t>(Midifile1.TicksPerQuarterNote()),
+                                           static_cast<uint16_t>(umrechnungsLeser().TicksPerQuarterNote()));
+    return static_cast<int32_t>(std::clamp<int64_t>(tick, INT32_MIN, INT32_MAX));
+}
+
 void CProgramm::GetTimeSignatureFRMIntern() {
     m_timeSignatures = neueSammlung<CTimeSignature>();
-    Midifile1.Track(1);
-    const int32_t anzahl = Midifile1.EventCount();
+    Midifile& mf = umrechnungsLeser();
+    mf.Track(1);
+    const int32_t anzahl = mf.EventCount();
     int32_t zeit = 0;
     for (int32_t i = 1; i <= anzahl; ++i) {
-        Midifile1.Event(i);
-        zeit = add32(zeit, Midifile1.Time());
-        if (Midifile1.Message() != 255 || Midifile1.Data1() != 88) continue;
+        mf.Event(i);
+        zeit = add32(zeit, mf.Time());
+        if (mf.Message() != 255 || mf.Data1() != 88) continue;
         auto ts = std::make_shared<CTimeSignature>();
         ts->ID(cint16(int64_t{m_timeSignatures->Count()} + 1));
-        ts->Numerator(Midifile1.Numerator());
-        ts->Denominator(cint16(int64_t{1} << Midifile1.Denominator()));
+        ts->Numerator(mf.Numerator());
+        ts->Denominator(cint16(int64_t{1} << mf.Denominator()));
         ts->ABSTime(zeit);
         m_timeSignatures->Add(ts);
     }
@@ -168,16 +227,17 @@ void CProgramm::MIDIFileSetsESVarsFrmIntern(int16_t spur) {
     CEinstellungen& e = Einstellungen();
     e.initTaktLaengen();
 
-    Midifile1.Track(Midifile1.TrackCount() == 1 ? 1 : spur);
-    const int32_t anzahl = Midifile1.EventCount();
+    Midifile& mf = umrechnungsLeser();
+    mf.Track(mf.TrackCount() == 1 ? 1 : spur);
+    const int32_t anzahl = mf.EventCount();
     int32_t spurLaenge = 0;
     for (int32_t i = 1; i <= anzahl; ++i) {
-        Midifile1.Event(i);
-        spurLaenge = add32(spurLaenge, Midifile1.Time());
+        mf.Event(i);
+        spurLaenge = add32(spurLaenge, mf.Time());
     }
 
     // The reader's division, not the setting: only the tempo scan copies it into the settings.
-    const int32_t ticks = Midifile1.TicksPerQuarterNote();
+    const int32_t ticks = mf.TicksPerQuarterNote();
     const auto& signaturen = TimeSignatures();
     const int32_t n = signaturen->Count();
     const auto& laengen = e.MFITaktLaengen();

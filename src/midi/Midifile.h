@@ -85,6 +85,14 @@ public:
     int16_t Denominator() const;     // time-signature meta: the exponent as stored
 
     const MidiDateiInhalt* inhalt() const { return m_inhalt.get(); }
+    // The loaded content, shared; and taking content prepared elsewhere (cursor cleared), so that a
+    // second reader can hold the same file or a copy of it without reading it again.
+    const std::shared_ptr<const MidiDateiInhalt>& inhaltGeteilt() const { return m_inhalt; }
+    void inhaltSetzen(std::shared_ptr<const MidiDateiInhalt> inhalt) {
+        m_inhalt = std::move(inhalt);
+        m_spur = 0;
+        m_ereignis = 0;
+    }
 
 private:
     void dateiLaden();

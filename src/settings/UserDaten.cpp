@@ -15,6 +15,11 @@ namespace fs = std::filesystem;
 
 fs::path userDatenPfad(const ProgrammOrte& orte) { return orte.benutzer / "LYRABO_user.ini"; }
 
+// Beside the user settings file, wherever that one lives.
+fs::path umrechnungDatenPfad(const ProgrammOrte& orte) {
+    return userDatenPfad(orte).parent_path() / "LYRABO_umrechnung.ini";
+}
+
 namespace {
 
 // Reads comma- and line-delimited fields the way a sequential data file is read back:

@@ -11,6 +11,8 @@
 namespace lyrabo {
 
 std::filesystem::path userDatenPfad(const ProgrammOrte& orte);
+// The conversion's own settings (UmrechnungDaten.h), in the same folder as the user settings file.
+std::filesystem::path umrechnungDatenPfad(const ProgrammOrte& orte);
 
 // Reads the file into the settings. Any failure is silent: InitDir becomes the program's folder,
 // Booleans read before the failure stay, the rest keep their defaults. Returns true when all five

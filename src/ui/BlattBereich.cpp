@@ -554,8 +554,10 @@ void BlattBereich::status(const QString& text) { m_fenster.statusBar()->showMess
 
 // ---------------------------------------------------------------- playback
 
-void BlattBereich::wiedergabePosition(int32_t tick) {
+void BlattBereich::wiedergabePosition(int32_t dateiTick) {
     if (!m_stueck || !m_ansicht) return;
+    // Playback counts the file's own ticks; the sheet those of the conversion.
+    const int32_t tick = m_programm.umrechnungsTick(dateiTick);
     // A note sounds from its start to its end; the file's own onsets lie up to half a grid step
     // beside the quantised ones.
     const int32_t raster = m_programm.Einstellungen().QuantTicks();

@@ -88,6 +88,7 @@ QWidget* frmLyrabo::spurenBereichAnlegen() {
     g->addWidget(LabelTicks, 1, 1);
     g->addWidget(new QLabel(QStringLiteral("Taktart:"), daten), 2, 0);
     g->addWidget(LabelTimeSignature, 2, 1);
+    g->addWidget(m_umrechnung->hinweisAnlegen(daten), 3, 0, 1, 2);
     l->addWidget(daten);
 
     cmdKopieren = element(new QPushButton(QStringLiteral("In die &Zwischenablage"), bereich), "cmdKopieren");

@@ -12,6 +12,7 @@
 #include "ui/Notenschrift.h"
 #include "ui/Steuerelemente.h"
 #include "ui/ZuletztMenue.h"
+#include "ui/UmrechnungSeite.h"
 
 #if __has_include("ui/WiedergabeLeiste.h")
 #include "ui/WiedergabeLeiste.h"
@@ -69,6 +70,7 @@ frmLyrabo::frmLyrabo(ProgrammOrte orte, QWidget* parent)
     setObjectName(QStringLiteral("frmLyrabo"));
 
     m_blatt = new BlattBereich(*this, m_programm);
+    m_umrechnung = new UmrechnungSeite(*this, m_programm, [this] { neuBerechnen(); });
     menuesAnlegen();
 
     auto* zentrum = new QWidget(this);
@@ -203,34 +205,17 @@ QWidget* frmLyrabo::optionenAnlegen() {
 }
 
 QFrame* frmLyrabo::bereichUmrechnung() {
-    auto* f = new QFrame(this);
-    auto* g = new QGridLayout(f);
-    g->addWidget(new QLabel(QStringLiteral("Quantisierung (kürzester Notenwert):"), f), 0, 0);
-    hsQuantisierung = element(new QSlider(Qt::Horizontal, f), "hsQuantisierung");
-    hsQuantisierung->setRange(1, 8);
-    hsQuantisierung->setPageStep(1);
-    hsQuantisierung->setTickPosition(QSlider::TicksBelow);
-    hsQuantisierung->setTickInterval(1);
-    hsQuantisierung->setValue(8);
-    g->addWidget(hsQuantisierung, 0, 1);
-    txtQuantisierung = element(new QLineEdit(f), "txtQuantisierung");
-    txtQuantisierung->setReadOnly(true);
-    txtQuantisierung->setFixedWidth(60);
-    g->addWidget(txtQuantisierung, 0, 2);
+    UmrechnungSeite::Steuerelemente st;
+    QFrame* f = m_umrechnung->anlegen(this, st);
+    hsQuantisierung = st.hsQuantisierung;
+    txtQuantisierung = st.txtQuantisierung;
+    chLegato = st.chLegato;
+    chHoechsterTonMelodie = st.chHoechsterTonMelodie;
+    chPausenLetzerTakt = st.chPausenLetzerTakt;
+    chPunktPausen = st.chPunktPausen;
     connect(hsQuantisierung, &QSlider::valueChanged, this, [this](int wert) { hsQuantisierung_Change(wert); });
-
-    chHoechsterTonMelodie = element(new QCheckBox(QStringLiteral("Höchster Ton = Melodie"), f), "chHoechsterTonMelodie");
-    chLegato = element(new QCheckBox(QStringLiteral("Legato (Lücken bis zum nächsten Akkord füllen)"), f), "chLegato");
-    chPausenLetzerTakt = element(new QCheckBox(QStringLiteral("Pausen im letzten Takt"), f), "chPausenLetzerTakt");
-    chPunktPausen = element(new QCheckBox(QStringLiteral("Punktierte Pausen"), f), "chPunktPausen");
-    g->addWidget(chLegato, 1, 0);
-    g->addWidget(chHoechsterTonMelodie, 1, 1);
-    g->addWidget(chPausenLetzerTakt, 2, 0);
-    g->addWidget(chPunktPausen, 2, 1);
     for (auto* ch : {chLegato, chHoechsterTonMelodie, chPausenLetzerTakt, chPunktPausen})
         connect(ch, &QCheckBox::clicked, this, [this, ch] { chOption_Click(ch); });
-    g->setColumnStretch(1, 1);
-    g->setRowStretch(3, 1);
     return f;
 }
 
@@ -601,6 +586,7 @@ void frmLyrabo::mischKaestchenAnlegen(int anzahl) {
 void frmLyrabo::nachDateiGeladen() {
     const int anzahl = m_programm.Midifile1.geladen() ? m_programm.Midifile1.TrackCount() : 0;
     mischKaestchenAnlegen(anzahl);
+    m_umrechnung->hinweisZeigen();
     // A loaded file shows its sheet; the old one goes before the new track is converted.
     m_blatt->leeren();
     m_ansichten->setCurrentWidget(m_blattAnsicht);
@@ -879,6 +865,7 @@ void frmLyrabo::FileOpen_Click() {
 
 void frmLyrabo::nachFehlgeschlagenemLaden() {
     cmdSpurenMischen->setEnabled(false);
+    m_umrechnung->hinweisZeigen();
     if (m_programm.Midifile1.geladen()) return;
     // The reader dropped the old file: nothing of it may be offered any more.
     m_blatt->leeren();

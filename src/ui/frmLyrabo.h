@@ -36,6 +36,7 @@ class QVBoxLayout;
 namespace lyrabo {
 
 class BlattBereich;
+class UmrechnungSeite;
 class frmHilfe;
 class frmInfo;
 class ZuletztMenue;
@@ -238,6 +239,7 @@ private:
     QVBoxLayout* m_wiedergabeLayout = nullptr;
     QWidget* m_wiedergabe = nullptr;
     BlattBereich* m_blatt = nullptr;
+    UmrechnungSeite* m_umrechnung = nullptr;
     QTabWidget* m_ansichten = nullptr;
     QFrame* m_blattAnsicht = nullptr;
     std::optional<QString> m_abgelegt;  // a dropped file, answered in place of the open dialog

@@ -521,3 +521,26 @@ TEST_F(CliTest, FehlschlaegeGebenIhrenCodeUndLassenVorhandeneDateienUnberuehrt) 
 
 } // namespace
 } // namespace lyrabo::test
+
+namespace lyrabo::test {
+namespace {
+
+// Without the switch the exact resolution (the window's default); info says when it changes anything,
+// the event list stays at the file's ticks.
+TEST_F(CliTest, GenaueAufloesungIstVorgabeUndInfoSagtEs) {
+    MidiBauer b(1024);
+    b.spur().name("Solo").note(0, 67, 1024).note(0, 69, 2048).ende();
+    const std::string pfad = midi("solo.mid", b).string();
+    const std::string zeile = "Aufl\xC3\xB6sung 1024 Ticks pro Viertel, ohne Tempoangabe: genau umgerechnet\n";
+    EXPECT_TRUE(enthaelt(lauf({"info", pfad}).aus, zeile));
+    EXPECT_FALSE(enthaelt(lauf({"info", pfad, "--genaue-aufloesung=nein"}).aus, zeile));
+    const Lauf ohne = lauf({"convert", pfad});
+    EXPECT_TRUE(enthaelt(ohne.aus, ", 69, 960,")) << ohne.aus;  // the half note, at 480 to the quarter
+    EXPECT_EQ(lauf({"convert", pfad, "--genaue-aufloesung"}).aus, ohne.aus);
+    EXPECT_NE(lauf({"convert", pfad, "--genaue-aufloesung=nein"}).aus, ohne.aus);
+    // The event list keeps the file's own ticks: the Note Off a quarter after its Note On.
+    EXPECT_TRUE(enthaelt(lauf({"events", pfad}).aus, "Note Off 80\t1024\t128\t67\t"));
+}
+
+} // namespace
+} // namespace lyrabo::test

@@ -175,5 +175,24 @@ TEST(Automatik, RechnetSpurEinsInDieZwischenablageUndEndetOhneFrage) {
     }
 }
 
+TEST(GenaueAufloesung, SchalterRechnetNeuSagtEsBeiDerDateiUndMerktSichEs) {
+    FensterUmgebung u;
+    MidiBauer lied(1024);  // no tempo event, as many folk-tune files come
+    lied.spur().name("Leiter").taktart(0, 3, 2);
+    lied.spur().name("Melodie").note(0, 67, 1024).note(0, 69, 2048).note(0, 71, 1024);
+    u.startenMit(lied);
+    auto* schalter = u.el<QCheckBox>("chGenaueAufloesung");
+    auto* hinweis = u.el<QLabel>("labAufloesung");
+    EXPECT_EQ(hinweis->isHidden() ? QString() : hinweis->text(),
+              QStringLiteral("Auflösung 1024 Ticks pro Viertel, ohne Tempoangabe: genau umgerechnet"));
+    const std::string genau = u.fenster().klangNotenText();
+    schalter->click();
+    EXPECT_TRUE(hinweis->isHidden());
+    EXPECT_NE(u.fenster().klangNotenText(), genau);
+    EXPECT_EQ(dateiLesen(u.ordner() / "data" / "LYRABO_umrechnung.ini"), "GenaueAufloesung=nein\n");
+    schalter->click();
+    EXPECT_EQ(u.fenster().klangNotenText(), genau);
+}
+
 } // namespace
 } // namespace lyrabo::test

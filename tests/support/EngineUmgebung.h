@@ -34,6 +34,8 @@ class EngineUmgebung {
 public:
     // Connected as opening a file connects the engine: window, reader and the global collections.
     EngineUmgebung() : programm(ordner.pfad(), form) {
+        // These tests check the conversion as laid down ("Genaue Auflösung" off); test_aufloesung the switch.
+        programm.Umrechnung.genaueAufloesung = false;
         programm.initGlobals();
         auto& k = engine();
         k.Form(&form);

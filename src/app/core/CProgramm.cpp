@@ -7,7 +7,10 @@
 namespace lyrabo {
 
 CProgramm::CProgramm(ProgrammOrte orte, IForm& form, IDialog* dialog)
-    : m_orte(std::move(orte)), m_form(form), m_dialog(dialog) {}
+    : m_orte(std::move(orte)), m_form(form), m_dialog(dialog) {
+    // In the body: the places member is initialised after the public ones.
+    Umrechnung = umrechnungDatenLesen(m_orte);
+}
 
 CProgramm::~CProgramm() = default;
 

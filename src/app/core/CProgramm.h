@@ -8,6 +8,7 @@
 #include "settings/CDreiZeichen.h"
 #include "settings/CEinstellungen.h"
 #include "settings/ProgrammOrte.h"
+#include "settings/UmrechnungDaten.h"
 
 #include <array>
 #include <filesystem>
@@ -49,8 +50,14 @@ public:
     // The dialogs' current starting folder (empty at start).
     std::string AktuellesInitDir;
 
-    // The window's MIDI reader; the engine reads through the same cursor.
+    // The window's MIDI reader: the file exactly as it is, for the event list and playback.
     Midifile Midifile1;
+    // The reader the conversion reads through (engine, bar tables, time signatures): the same file,
+    // or with "Genaue Auflösung" a copy at 480 ticks per quarter note, so that a quarter of the
+    // file is a quarter of every output whatever its resolution and whether it has a tempo event.
+    Midifile MidifileUmrechnung;
+    // The conversion's own settings file, read when the program object is made.
+    UmrechnungDaten Umrechnung;
 
     // ---- MIDI file access ----
     // Time signatures of track 1, created empty on first access.
@@ -76,6 +83,18 @@ public:
     void zeitSignaturAnzeige();
     void MIDIFileSetsESVarsFrmIntern(int16_t spur);
 
+    // ---- "Genaue Auflösung" ----
+    // Switches it for the loaded file: the conversion reader, the settings' TicksPerQuarterNote
+    // and the time signatures follow; the caller converts again.
+    void genaueAufloesungSetzen(bool an);
+    // True when the switch changes anything for the loaded file (a resolution other than 480).
+    bool genauUmgerechnet();
+    // The file info's line when it does, else "": "Auflösung 1024 Ticks pro Viertel, ohne
+    // Tempoangabe: genau umgerechnet".
+    std::string aufloesungsHinweis();
+    // A tick of the file (as playback counts) in the conversion's ticks.
+    int32_t umrechnungsTick(int32_t dateiTick);
+
     // ---- conversion flow ----
     // Converts a track and builds the harp events; shows it in the window when mitAnzeige.
     void HarfeExportLauf(int16_t spur, bool mitAnzeige, bool mitHarfeText);
@@ -84,12 +103,21 @@ public:
 
 private:
     ProgrammOrte m_orte;
+    // Fills MidifileUmrechnung from Midifile1 as the switch says, then the time signatures.
+    void umrechnungsLeserBereiten();
+    // MidifileUmrechnung when it was prepared from the file Midifile1 holds, else Midifile1.
+    Midifile& umrechnungsLeser();
+
     IForm& m_form;
     IDialog* m_dialog;
     std::unique_ptr<CEinstellungen> m_einstellungen;
     std::unique_ptr<CKLNCreator> m_klnCreator;
     std::unique_ptr<CWDBCreator> m_wdbCreator;
     TimeSignaturesRef m_timeSignatures;
+    std::shared_ptr<const MidiDateiInhalt> m_umrechnungsQuelle;
+    // What the settings' TicksPerQuarterNote held before the tempo scan: a file without a tempo
+    // event leaves it so, and switching off goes back to it.
+    int16_t m_ticksVorTempoScan = 480;
 };
 
 } // namespace lyrabo
