@@ -5,6 +5,7 @@
 #include "ui/BlattBereich.h"
 #include "ui/Hilfe.h"
 #include "ui/Steuerelemente.h"
+#include "ui/UmrechnungSeite.h"
 #include "ui/frmLyrabo.h"
 
 #include <QAction>
