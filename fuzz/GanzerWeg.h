@@ -3,11 +3,12 @@
 // opened as the program does it (track labels, tempo table, time signatures), then each track
 // (the first two) converted into every output: bar tables, produce, harp events and their text,
 // the note sheet, the KlangNoten text and the Works database written from the templates in ini/;
-// finally the tracks merged and their sheet laid out. The input's last three bytes also choose the
+// finally the tracks merged and their sheet laid out. The input's last four bytes also choose the
 // options, so that every switch is tried; "Genaue Auflösung" is chosen by the caller (one fuzz
 // target for each way), so that a finding always replays the same way.
 #include "FuzzHilfen.h"
 
+#include "app/core/Begleitung.h"
 #include "app/core/BlattQuelle.h"
 #include "app/core/CProgramm.h"
 #include "blatt/BlattSatz.h"
@@ -37,14 +38,19 @@ inline void optionenSetzen(CEinstellungen& e, uint8_t schalter, uint8_t transpo)
 }
 
 // The note sheet of what was converted last, laid out as the program hands it over; a sheet that
-// holds no music says why, and that goes to `gesagt`.
-inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, uint8_t schalter,
+// holds no music says why, and that goes to `gesagt`. `form` chooses the sheet's newer switches and
+// whether the other converted track comes along as accompaniment.
+inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, uint8_t schalter, uint8_t form,
                         std::vector<std::string>& gesagt) {
-    const blatt::Stueck stueck = blattStueck(p, noten, blattTitel(p, spur));
+    blatt::Stueck stueck = blattStueck(p, noten, blattTitel(p, spur));
+    if (form & 8 && spur > 0) stueck = blattStueckMitBegleitung(p, stueck, {int16_t(spur == 1 ? 2 : 1)}, spur);
     blatt::Einstellungen e = blatt::standardFuer(stueck.saiten);
     e.papier = schalter & 1 ? blatt::Papier::A4 : blatt::Papier::A3;
     e.quer = schalter & 2;
-    e.aufEineSeite = schalter & 4;
+    e.einpassen = !(schalter & 4);
+    e.notenform = form & 1 ? blatt::Notenform::Hals : blatt::Notenform::Harfe;
+    e.kurzePausenSchliessen = !(form & 2);
+    e.wiederholungenZusammenfassen = !(form & 4);
     e.notenTexte = schalter & 8;
     e.melodieLinie = schalter & 16;
     e.saitenAbstand = 10 + (schalter >> 5 & 1) * 4;
@@ -55,10 +61,10 @@ inline void blattSetzen(CProgramm& p, const KlangNotenRef& noten, int16_t spur, 
 
 // A click on the track's row and its note sheet, then the KlangNoten text and the save menu's
 // Works database.
-inline void spurUmrechnen(CProgramm& p, StilleForm& form, int16_t spur, uint8_t blattSchalter) {
+inline void spurUmrechnen(CProgramm& p, StilleForm& form, int16_t spur, uint8_t blattSchalter, uint8_t blattForm) {
     form.zeile = static_cast<int16_t>(spur - 1);
     p.neuBerechnen();
-    blattSetzen(p, p.KlangNoten, spur, blattSchalter, form.meldungen);
+    blattSetzen(p, p.KlangNoten, spur, blattSchalter, blattForm, form.meldungen);
     CKLNCreator& kln = p.KLNCreator();
     volatile size_t laenge = kln.getKlangNotenString().size();
     (void)laenge;
@@ -111,7 +117,7 @@ inline std::vector<std::string> ganzerWeg(const std::string& bytes, const std::f
     const int16_t spuren = m.TrackCount() < kHoechstensSpuren ? m.TrackCount() : kHoechstensSpuren;
     for (int16_t spur = 1; spur <= spuren; ++spur) {
         try {
-            spurUmrechnen(programm, form, spur, byteVonHinten(3));
+            spurUmrechnen(programm, form, spur, byteVonHinten(3), byteVonHinten(4));
         } catch (const Fehler& f) {
             gesagt.push_back(f.what());
         }
@@ -120,7 +126,7 @@ inline std::vector<std::string> ganzerWeg(const std::string& bytes, const std::f
         const auto& auswahl = e.SpurSelected();
         for (int32_t i = 1; i <= auswahl->Count(); ++i) auswahl->Item(i)->Value(i <= spuren ? 1 : 0);
         programm.KLNCreator().spurenMischen();
-        blattSetzen(programm, programm.KlangNotenMix, 0, byteVonHinten(3), gesagt);
+        blattSetzen(programm, programm.KlangNotenMix, 0, byteVonHinten(3), byteVonHinten(4), gesagt);
     } catch (const Fehler& f) {
         gesagt.push_back(f.what());
     }

@@ -14,7 +14,6 @@ struct Einstellungen {
     bool quer = true;              // landscape
     double saitenAbstand = 11.5;   // mm between neighbouring strings, 10 to 14
     double mmProViertel = 6.0;     // vertical room of a quarter note
-    bool aufEineSeite = false;     // squeeze (down to 4 mm per quarter) so the song fits one page
     bool notenTexte = true;        // print the notes' lyrics beside them
     bool melodieLinie = true;      // line from melody note to melody note
     bool einpassen = true;         // scale the spacing so the whole song fills one sheet (never beyond its natural spacing)
