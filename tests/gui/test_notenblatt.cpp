@@ -28,6 +28,15 @@ using Bedienung = std::function<void(FensterUmgebung&)>;
 
 BlattAnsicht& ansicht(FensterUmgebung& u) { return u.fenster().blattBereich().ansicht(); }
 QImage bild(FensterUmgebung& u) { return ansicht(u).viewport()->grab().toImage(); }
+// The notes the view lights up while the player stands at `tick`.
+std::vector<int> leuchtetBei(FensterUmgebung& u, int32_t tick) {
+    u.fenster().blattBereich().wiedergabePosition(tick);
+    std::vector<int> an;
+    const auto& licht = ansicht(u).hervorgehoben();
+    for (size_t i = 0; i < licht.size(); ++i)
+        if (licht[i]) an.push_back(int(i));
+    return an;
+}
 
 Bedienung klick(const char* name, int index = -1) {
     return [=](FensterUmgebung& u) { u.el<QAbstractButton>(name, index)->click(); };
@@ -296,14 +305,7 @@ TEST(Notenblatt, WiedergabeLeuchtetDieKlingendenNotenAuf) {
     } faelle[] = {
         {0, {0}}, {470, {1}}, {890, {1}}, {959, {2}}, {1500, {3}}, {2640, {4}}, {2900, {5, 6}},
     };
-    for (const auto& f : faelle) {
-        bereich.wiedergabePosition(f.tick);
-        std::vector<int> an;
-        const auto& licht = ansicht(u).hervorgehoben();
-        for (size_t i = 0; i < licht.size(); ++i)
-            if (licht[i]) an.push_back(int(i));
-        EXPECT_EQ(an, f.an) << f.tick;
-    }
+    for (const auto& f : faelle) EXPECT_EQ(leuchtetBei(u, f.tick), f.an) << f.tick;
     // At 100 % the page is taller than the view: the last bar scrolls into sight.
     ansicht(u).prozent(100);
     ansicht(u).verticalScrollBar()->setValue(0);
@@ -324,19 +326,11 @@ TEST(Notenblatt, WiederholungLeuchtetImZweitenDurchgang) {
     melodie.note(0, 72, 1920);
     FensterUmgebung u;
     u.startenMit(lied);
-    auto& bereich = u.fenster().blattBereich();
     const struct {
         int32_t tick;
         std::vector<int> an;
     } faelle[] = {{10, {0}}, {3850, {0}}, {6250, {5}}, {7690, {8}}};
-    for (const auto& f : faelle) {
-        bereich.wiedergabePosition(f.tick);
-        std::vector<int> an;
-        const auto& licht = ansicht(u).hervorgehoben();
-        for (size_t i = 0; i < licht.size(); ++i)
-            if (licht[i]) an.push_back(int(i));
-        EXPECT_EQ(an, f.an) << f.tick;
-    }
+    for (const auto& f : faelle) EXPECT_EQ(leuchtetBei(u, f.tick), f.an) << f.tick;
 }
 
 } // namespace
