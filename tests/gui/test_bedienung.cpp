@@ -207,12 +207,6 @@ TEST(Beenden, DieTitelleisteFragtNichtsUndSpeichertNichts) {
     EXPECT_FALSE(std::filesystem::exists(u.userDaten()));
 }
 
-} // namespace
-} // namespace lyrabo::test
-
-namespace lyrabo::test {
-namespace {
-
 // The melody mark sits on the melody, not on the preselected row, and leaves the labels alone; the
 // menu entry selects it. Ticking the bass as accompaniment puts it on the sheet (lit in playback)
 // and lightens the strings only it uses; "Passend transponieren" fits both voices, the menu's PDF
