@@ -85,11 +85,16 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
         }
     }
 
+    // A run that ends where the page breaks: its end sign closes this page, below its last row.
+    const Taktzeichen* endeUnten = bis > von && bis < z.size() ? zeichenUeber(zeilen, bis) : nullptr;
+    if (endeUnten && !endeUnten->ende) endeUnten = nullptr;
+    const double yUnten = endeUnten ? z[bis - 1].y + ab.unten[bis - 1] + kTaktLinieLuft : 0;
+
     // An ending's bracket from its bar line down to the bar line where it ends, or to the page's foot.
     auto klammerBis = [&](int nummer, int bisTakt, double y1, bool anfang) {
         const size_t ende = size_t(bisTakt) < zeilen.taktStart.size() ? zeilen.zeileAb(zeilen.taktStart[size_t(bisTakt)]) : z.size();
-        const bool offen = ende >= bis;
-        const double y2 = offen ? lage.musikUnten : z[ende].y - ab.oben[ende] - kTaktLinieLuft;
+        const bool offen = ende > bis || (ende == bis && !endeUnten);
+        const double y2 = offen ? lage.musikUnten : ende == bis ? yUnten : z[ende].y - ab.oben[ende] - kTaktLinieLuft;
         klammerZeichnen(el, nummer, xr, e.saitenAbstand, y1, y2, anfang, offen);
     };
     if (von < bis && von > 0 && !zeilen.zeichen.empty()) {
@@ -117,7 +122,7 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
             const std::string nummer = zeichen ? zeichen->nummer : std::to_string(r.takt);
             const int takt = zeichen ? zeichen->takt : r.takt;
             if (zeichen) {
-                wiederholungZeichnen(el, *zeichen, xl, xr, e.saitenAbstand, yt);
+                wiederholungZeichnen(el, i == von && von > 0 ? ohneEnde(*zeichen) : *zeichen, xl, xr, e.saitenAbstand, yt);
                 if (zeichen->klammer) klammerBis(zeichen->klammer, zeichen->klammerBis, yt, true);
             }
             if (!r.schluss) el.push_back({Text{{xNummer, yt - 0.35}, nummer, 5.5, Ausrichtung::Links, false, kGrau}});
@@ -173,6 +178,10 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
         }
         for (const auto& p : r.pausen)
             if (sichtbar(p.saite)) pausenZeichen(el, {xVon(p.saite), y}, p.sechzehntel);
+    }
+    if (endeUnten) {
+        el.push_back({Linie{{xl - 1.8, yUnten}, {xr + 1.8, yUnten}, 0.25, kTaktLinie}});
+        wiederholungZeichnen(el, nurEnde(*endeUnten), xl, xr, e.saitenAbstand, yUnten);
     }
     // Ties that come in from the page before: a tied part is at most a whole note long.
     if (von < bis && von > 0) {
