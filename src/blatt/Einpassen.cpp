@@ -42,7 +42,7 @@ struct Raum {
     // Below a page's last row: room for the end sign of a run when a page may break after it.
     double fuss(size_t i) const {
         const Taktzeichen* t = i + 1 < z.zeilen.size() ? zeichenUeber(z, i + 1) : nullptr;
-        return a.unten[i] + 0.5 + (t && t->ende ? kTaktLinieLuft + zeichenRaum(nurEnde(*t)) : 0);
+        return a.unten[i] + 0.5 + (t && t->ende ? 2 * kTaktLinieLuft + zeichenRaum(nurEnde(*t)) : 0);
     }
 
     // Pages of at most `hoehe`, each as long as it goes, broken at the last bar line that fits

@@ -151,7 +151,7 @@ void musikZeichnen(Seite& seite, const Zeilen& zeilen, const Abstaende& ab, size
     // A run that ends where the page breaks: its end sign closes this page, below its last row.
     const Taktzeichen* endeUnten = bis > von && bis < z.size() ? zeichenUeber(zeilen, bis) : nullptr;
     if (endeUnten && !endeUnten->ende) endeUnten = nullptr;
-    const double yUnten = endeUnten ? z[bis - 1].y + ab.unten[bis - 1] + kTaktLinieLuft : 0;
+    const double yUnten = endeUnten ? z[bis - 1].y + ab.unten[bis - 1] + 2 * kTaktLinieLuft : 0;
 
     // An ending's bracket from its bar line down to the bar line where it ends, or to the page's foot.
     auto klammerBis = [&](int nummer, int bisTakt, double y1, bool anfang) {
