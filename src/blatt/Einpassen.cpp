@@ -39,7 +39,11 @@ struct Raum {
     }
     double schritt(size_t i, double f) const { return luecke(i, f) + takt(i, f); }
     double kopf(size_t i) const { return a.oben[i] + (z.zeilen[i].taktStart ? kTaktLinieLuft + kTaktNummerHoehe : 0.2); }
-    double fuss(size_t i) const { return a.unten[i] + 0.5; }
+    // Below a page's last row: room for the end sign of a run when a page may break after it.
+    double fuss(size_t i) const {
+        const Taktzeichen* t = i + 1 < z.zeilen.size() ? zeichenUeber(z, i + 1) : nullptr;
+        return a.unten[i] + 0.5 + (t && t->ende ? 2 * kTaktLinieLuft + zeichenRaum(nurEnde(*t)) : 0);
+    }
 
     // Pages of at most `hoehe`, each as long as it goes, broken at the last bar line that fits
     // (at a row when one bar is taller than a page).

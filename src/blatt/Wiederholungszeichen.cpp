@@ -65,6 +65,18 @@ double zeichenRaum(const Taktzeichen& z) {
     return z.anfang || z.ende ? kLinienAbstand + 0.6 : 0;
 }
 
+Taktzeichen nurEnde(const Taktzeichen& z) {
+    Taktzeichen t;
+    t.ende = z.ende;
+    return t;
+}
+
+Taktzeichen ohneEnde(const Taktzeichen& z) {
+    Taktzeichen t = z;
+    t.ende = 0;
+    return t;
+}
+
 void wiederholungZeichnen(std::vector<Element>& el, const Taktzeichen& z, double xl, double xr, double abstand, double y) {
     // The bar line at y is the thin line of an end sign, and the thick one of a start sign; the
     // other lines go below it, into the room the spacing left for them. The dots face into the run.

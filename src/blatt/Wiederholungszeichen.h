@@ -30,6 +30,11 @@ std::vector<Taktzeichen> taktzeichen(const Faltung& faltung, int takte);
 // Room the signs need below the bar line, before the bar's first heads (mm).
 double zeichenRaum(const Taktzeichen& z);
 
+// A page that breaks at a bar line with an end sign keeps the end sign at its foot, below the
+// run's last bar; the next page starts with the rest (the start sign, the endings).
+Taktzeichen nurEnde(const Taktzeichen& z);
+Taktzeichen ohneEnde(const Taktzeichen& z);
+
 // The signs at one bar line at height y, across the strings from xl to xr (`abstand` apart): the
 // dots sit between strings, where no head can be.
 void wiederholungZeichnen(std::vector<Element>& el, const Taktzeichen& z, double xl, double xr, double abstand, double y);

@@ -63,6 +63,12 @@ struct Zeilen {
     size_t zeileAb(int64_t u) const;
 };
 
+// The signs at the bar line above row i, or null when it starts no bar (or there are none).
+inline const Taktzeichen* zeichenUeber(const Zeilen& z, size_t i) {
+    const Zeile& r = z.zeilen[i];
+    return r.taktStart && r.takt >= 1 && size_t(r.takt) <= z.zeichen.size() ? &z.zeichen[size_t(r.takt - 1)] : nullptr;
+}
+
 // Rows from the piece: notes split into tied written values, rests, bar lines; a run of empty bars
 // is one row with a word on how many follow.
 Zeilen zeilenBilden(const Stueck& stueck);

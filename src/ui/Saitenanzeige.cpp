@@ -6,6 +6,7 @@
 #include "ui/Steuerelemente.h"
 #include "ui/frmLyrabo.h"
 
+#include <QAction>
 #include <QFrame>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -144,6 +145,13 @@ void frmLyrabo::hsTranspo_Change(int wert) {
     });
     // No conversion: the sheet only shows the moved piece as a preview.
     m_blatt->transpoVorschau(static_cast<int16_t>(wert));
+    melodieMarkeAuffrischen();
+}
+
+void frmLyrabo::m37SaitenHarfe_Click() {
+    m_programm.Einstellungen().WDBSpaltenAnzahl(m37SaitenHarfe->isChecked() ? 37 : 25);
+    m_blatt->harfeGeaendert();
+    melodieMarkeAuffrischen();
 }
 
 // The same rule as the sheet's header, over the notes the sheet shows: the transposition nearest

@@ -114,6 +114,14 @@ void frmLyrabo::trackListeFuellen(const std::vector<std::string>& labels) {
 }
 
 void frmLyrabo::melodieMarkieren() {
+    melodieMarkeAuffrischen();
+    std::vector<std::string> labels;
+    for (int zeile = 0; zeile < TrackList->count(); ++zeile) labels.push_back(nachUtf8(TrackList->item(zeile)->text()));
+    m_blatt->begleitSpurenAnbieten(labels);
+}
+
+// The guess counts the notes on the strings, so the harp size and the transposition move it.
+void frmLyrabo::melodieMarkeAuffrischen() {
     const Midifile& mf = m_programm.Midifile1;
     const CEinstellungen& e = m_programm.Einstellungen();
     m_melodieSpur = mf.inhalt() ? melodieSpur(*mf.inhalt(), e.Transpo(), e.WDBSpaltenAnzahl() == 25 ? 25 : 37) : 0;
@@ -124,9 +132,7 @@ void frmLyrabo::melodieMarkieren() {
         eintrag->setToolTip(melodie ? QString::fromUtf8(kMelodieRegel) : QString());
     }
     mMelodieSpur->setEnabled(m_melodieSpur > 0);
-    std::vector<std::string> labels;
-    for (int zeile = 0; zeile < TrackList->count(); ++zeile) labels.push_back(nachUtf8(TrackList->item(zeile)->text()));
-    m_blatt->begleitSpurenAnbieten(labels);
+    TrackList->viewport()->update();
 }
 
 void frmLyrabo::melodieSpurWaehlen() {

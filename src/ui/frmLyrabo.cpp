@@ -908,11 +908,6 @@ void frmLyrabo::mCreateAbschnittsINIs_Click() {
     });
 }
 
-void frmLyrabo::m37SaitenHarfe_Click() {
-    m_programm.Einstellungen().WDBSpaltenAnzahl(m37SaitenHarfe->isChecked() ? 37 : 25);
-    m_blatt->harfeGeaendert();
-}
-
 // ---------------------------------------------------------------- help and the end
 
 void frmLyrabo::HilfeAnzeigen(int16_t helpContext, const std::string& /*helpFileBase*/) {

@@ -143,6 +143,7 @@ private:
     // After a load: marks the track that most likely carries the melody (the selection stays) and
     // offers the tracks with notes as accompaniment on the sheet page.
     void melodieMarkieren();
+    void melodieMarkeAuffrischen(); // after a change of harp size or transposition
 
     // handlers
     void TrackList_Click();

@@ -156,10 +156,12 @@ TEST(BlattSatz, AkkordAufEinerZeileMitVerbindungslinie) {
     for (int i : {1, 2}) EXPECT_EQ(koepfe(b, i)[0].e.mitte.y, y);
     EXPECT_GT(koepfe(b, 3)[0].e.mitte.y, y + 4);
     const double links = 3.0 + 5 * 11.5, rechts = 3.0 + 12 * 11.5;
-    // A thin dashed line from the outer heads' edges.
-    EXPECT_EQ(zaehlen<Linie>(b.seiten[0], -1, [&](const Linie& l) {
-                  return l.gestrichelt && l.staerke < 0.3 && l.a.y == y && l.b.y == y && std::abs(l.a.x - links - 1.65) < 0.2 && std::abs(l.b.x - rechts + 1.65) < 0.2;
-              }), 1);
+    // A thin dashed line from the outer heads' edges, stopping short of the head between them.
+    const double mitte = 3.0 + 9 * 11.5;
+    for (auto [von, bis] : {std::pair{links, mitte}, {mitte, rechts}})
+        EXPECT_EQ(zaehlen<Linie>(b.seiten[0], -1, [&](const Linie& l) {
+                      return l.gestrichelt && l.staerke < 0.3 && l.a.y == y && l.b.y == y && std::abs(l.a.x - von - 1.65) < 0.2 && std::abs(l.b.x - bis + 1.65) < 0.2;
+                  }), 1);
 }
 
 TEST(BlattSatz, TransposeVorschlagBringtAlleAufDieSaiten) {

@@ -264,5 +264,31 @@ TEST(Melodie, MarkeBegleitungUndPassendTransponieren) {
     EXPECT_EQ(u.el<QSlider>("hsTranspo")->value(), 12);
 }
 
+// The mark counts the notes on the strings: it follows the harp size and the transposition, and the
+// selection stays where the user put it.
+TEST(Melodie, MarkeFolgtHarfeUndTransposition) {
+    MidiBauer lied(480);
+    lied.spur().name("Tempo").tempo(0, 500000);
+    auto& mittel = lied.spur().name("Mittel");
+    for (int ton : {60, 62, 64, 65}) mittel.note(0, ton, 480);
+    auto& hoch = lied.spur().name("Hoch");  // above the 25 strings, on the 37
+    for (int ton : {84, 86, 88, 89}) hoch.note(0, ton, 480);
+    FensterUmgebung u;
+    u.startenMit(lied);
+    auto* spuren = u.el<QListWidget>("TrackList");
+    auto* harfe37 = u.menue("m37SaitenHarfe");
+    const struct {
+        bool saiten37;
+        int transpo, markiert;
+    } faelle[] = {{true, 0, 2}, {false, 0, 1}, {false, -12, 2}, {false, 0, 1}, {true, 0, 2}};
+    for (const auto& f : faelle) {
+        if (harfe37->isChecked() != f.saiten37) harfe37->trigger();
+        u.el<QSlider>("hsTranspo")->setValue(f.transpo);
+        for (int zeile = 0; zeile < spuren->count(); ++zeile)
+            EXPECT_EQ(spuren->item(zeile)->toolTip().isEmpty(), zeile != f.markiert) << f.saiten37 << " " << f.transpo << " " << zeile;
+        EXPECT_EQ(spuren->currentRow(), 1);
+    }
+}
+
 } // namespace
 } // namespace lyrabo::test
