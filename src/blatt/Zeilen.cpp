@@ -1,5 +1,7 @@
 #include "blatt/Zeilen.h"
 
+#include "blatt/Wiederholungen.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -9,7 +11,6 @@ namespace lyrabo::blatt {
 namespace {
 
 constexpr int kMaxTeile = 64;  // tied parts of one note: more is no music
-constexpr int kMaxTakte = 32767;
 constexpr int kWerte[8] = {16, 12, 8, 6, 4, 3, 2, 1};
 
 } // namespace
@@ -60,25 +61,10 @@ Zeilen zeilenBilden(const Stueck& st) {
     const int64_t tpq = a.tpq;
     const int n = a.saiten;
 
-    // Bars: the table, more where notes run past it, none after the last sound.
-    int64_t u = 0, letzte = 0;
-    for (const auto& no : st.noten) letzte = std::max(letzte, (int64_t(no.start) + std::max<int32_t>(0, no.laenge)) * 4);
-    for (const auto& p : st.pausen) letzte = std::max(letzte, (int64_t(p.start) + std::max<int32_t>(0, p.laenge)) * 4);
-    int64_t laenge = 16 * tpq;
-    auto& ts = a.taktStart;
-    ts.push_back(0);
-    for (const auto& t : st.takte) {
-        if (int(ts.size()) > kMaxTakte) break;
-        if (t.laenge > 0) laenge = int64_t(t.laenge) * 4;
-        u += laenge;
-        ts.push_back(u);
-    }
-    while (u < letzte && int(ts.size()) <= kMaxTakte) {
-        u += laenge;
-        ts.push_back(u);
-    }
-    while (ts.size() > 2 && ts[ts.size() - 2] >= letzte) ts.pop_back();
+    // Bars as the repeats see them, counted in quarter ticks (ticks x 4).
+    for (int64_t anfang : taktAnfaenge(st)) a.taktStart.push_back(anfang * 4);
 
+    const auto& ts = a.taktStart;
     std::map<int64_t, Zeile> z;
     for (size_t i = 0; i < st.noten.size(); ++i) {
         const Note& no = st.noten[i];

@@ -1,5 +1,6 @@
 #include "app/core/Begleitung.h"
 
+#include "app/core/BlattQuelle.h"
 #include "app/core/CProgramm.h"
 #include "engine/CKLNCreator.h"
 
@@ -67,11 +68,8 @@ std::vector<blatt::Note> begleitNoten(CProgramm& programm, int16_t spur) {
         e.TrackNr(spur);
         if (engine.produce(true)) {
             for (const auto& n : *eigene) {
-                blatt::Note b;
-                b.start = n->StartZeit();
-                b.laenge = n->Laenge();
-                b.tonHoehe = n->TonHoehe();
-                b.akkordNr = n->AkkordNr();
+                blatt::Note b = blattNote(*n);
+                b.text.clear(); // an accompaniment's lyrics would crowd the melody's
                 b.begleitung = true;
                 noten.push_back(std::move(b));
             }

@@ -12,6 +12,16 @@
 
 namespace lyrabo {
 
+blatt::Note blattNote(const CKlangNote& note) {
+    blatt::Note b;
+    b.start = note.StartZeit();
+    b.laenge = note.Laenge();
+    b.tonHoehe = note.TonHoehe();
+    b.akkordNr = note.AkkordNr();
+    b.text = note.MsgText();
+    return b;
+}
+
 blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const std::string& titel) {
     CEinstellungen& e = programm.Einstellungen();
     blatt::Stueck s;
@@ -33,15 +43,7 @@ blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const
     }
 
     if (noten) {
-        for (const auto& n : *noten) {
-            blatt::Note b;
-            b.start = n->StartZeit();
-            b.laenge = n->Laenge();
-            b.tonHoehe = n->TonHoehe();
-            b.akkordNr = n->AkkordNr();
-            b.text = n->MsgText();
-            s.noten.push_back(std::move(b));
-        }
+        for (const auto& n : *noten) s.noten.push_back(blattNote(*n));
     }
     std::stable_sort(s.noten.begin(), s.noten.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
     // The melody of a chord is its highest note, as a player hears the top voice.

@@ -13,6 +13,9 @@ class CProgramm;
 // `noten` is the collection the conversion filled (KlangNoten for a track, KlangNotenMix for a mix).
 blatt::Stueck blattStueck(CProgramm& programm, const KlangNotenRef& noten, const std::string& titel);
 
+// A converted note as the sheet reads it: start, length, pitch, chord and lyric.
+blatt::Note blattNote(const CKlangNote& note);
+
 // The sheet's title, the name of the piece: the name of track 1 when it names one (in a file of
 // several tracks it is the song's title), else the name of track `spur` (0 for a mix: none), else
 // the MIDI file's name without its extension. Leaves the reader's cursor where it was.
